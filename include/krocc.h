@@ -1,0 +1,119 @@
+/* krocc: colour-conversion primitives for raster images.
+ *
+ * Every image operation takes the caller's buffers, row steps in bytes and a
+ * region size in pixels, converts every pixel of the region and returns a
+ * KroStatus. The library keeps no state, allocates nothing and may be called
+ * from any number of threads on disjoint buffers.
+ */
+#ifndef KROCC_H
+#define KROCC_H
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* ------------------------------------------------------------ sample types */
+typedef unsigned char Kro8u;
+typedef unsigned short Kro16u;
+typedef signed short Kro16s;
+typedef unsigned int Kro32u;
+typedef signed int Kro32s;
+typedef float Kro32f;
+typedef double Kro64f;
+
+/* ------------------------------------------------------------ regions */
+typedef struct kroiSize {
+    int width;
+    int height;
+} kroiSize;
+
+/* The same numbers as kroiSize, for the operations whose names end in _L. */
+typedef struct kroiSizeL {
+    int width;
+    int height;
+} kroiSizeL;
+
+typedef struct kroiRect {
+    int x;
+    int y;
+    int width;
+    int height;
+} kroiRect;
+
+/* ------------------------------------------------------------ status */
+/* 0 success, positive a warning, negative an error (nothing written). */
+typedef enum KroStatusCode {
+    kroStatusOk = 0,
+    kroStatusNothingDone = 1,
+    kroStatusOddSize = 35,
+    kroStatusBadArgument = -5,
+    kroStatusBadSize = -6,
+    kroStatusNullPointer = -8,
+    kroStatusBadNoiseState = -13,
+    kroStatusBadStep = -16,
+    kroStatusBadChannelCount = -47,
+    kroStatusBadGammaRange = -49,
+    kroStatusBadLevels = -54,
+    kroStatusBadNoise = -55,
+    kroStatusBadDitherType = -224
+} KroStatusCode;
+typedef int KroStatus;
+
+/* ------------------------------------------------------------ selectors */
+typedef enum KroDitherType {
+    kroiDitherNone = 0,
+    kroiDitherFloydSteinberg = 1,
+    kroiDitherJarvisJudiceNinke = 2,
+    kroiDitherStucki = 3,
+    kroiDitherBayer = 4
+} KroDitherType;
+
+typedef enum KroiBayerGrid {
+    kroiBayerBGGR = 0,
+    kroiBayerRGGB = 1,
+    kroiBayerGBRG = 2,
+    kroiBayerGRBG = 3
+} KroiBayerGrid;
+
+/* ------------------------------------------------------------ version */
+typedef struct KroLibraryVersion {
+    int majorVersion;
+    int minorVersion;
+    int updateVersion;
+    unsigned int buildNumber;
+    char targetCode[4];         /* "p8" and two zero bytes */
+    const char* displayName;    /* "kroCC SSE4.2 (p8)" */
+    const char* versionText;    /* "1.0.0 (r0x00000001)" */
+    const char* buildDateText;  /* "Nov 24 2026" */
+} KroLibraryVersion;
+
+/* The library's one constant version record; the same address on every call. */
+const KroLibraryVersion* kroccGetLibVersion(void);
+
+/* ------------------------------------------------------------ RGB <-> YUV (8u) */
+/* Interleaved RGB to interleaved YUV. */
+KroStatus kroiRGBToYUV_8u_C3R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+/* Interleaved RGB to three YUV planes. */
+KroStatus kroiRGBToYUV_8u_C3P3R(const Kro8u* pSrc, int srcStep, Kro8u* const pDst[3], int dstStep, kroiSize roiSize);
+/* RGB planes to YUV planes. */
+KroStatus kroiRGBToYUV_8u_P3R(const Kro8u* const pSrc[3], int srcStep, Kro8u* const pDst[3], int dstStep, kroiSize roiSize);
+/* RGBA to YUVA; the destination's fourth sample is left as it was. */
+KroStatus kroiRGBToYUV_8u_AC4R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+/* RGBA to four planes Y, U, V, A; plane 3 receives the source's alpha. */
+KroStatus kroiRGBToYUV_8u_AC4P4R(const Kro8u* pSrc, int srcStep, Kro8u* const pDst[4], int dstStep, kroiSize roiSize);
+/* Interleaved YUV to interleaved RGB. */
+KroStatus kroiYUVToRGB_8u_C3R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+/* YUVA to RGBA; the destination's fourth sample is left as it was. */
+KroStatus kroiYUVToRGB_8u_AC4R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+/* Interleaved YUV to RGBA with the fourth sample set to aval. */
+KroStatus kroiYUVToRGB_8u_C3C4R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize, Kro8u aval);
+/* YUV planes to interleaved RGB. */
+KroStatus kroiYUVToRGB_8u_P3C3R(const Kro8u* const pSrc[3], int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+/* YUV planes to RGB planes. */
+KroStatus kroiYUVToRGB_8u_P3R(const Kro8u* const pSrc[3], int srcStep, Kro8u* const pDst[3], int dstStep, kroiSize roiSize);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif /* KROCC_H */

@@ -1,0 +1,70 @@
+// Arithmetic vocabulary shared by every family: each term once, the scalar
+// version (on int) beside the vector version (on 16-byte registers).
+// Kernels compose these; no family spells the instructions out again.
+#pragma once
+
+#include <nmmintrin.h>  // SSE4.2 and everything below it
+#include <cstdint>
+
+namespace kro {
+
+using V = __m128i;  // integer lanes
+using VF = __m128;  // four float lanes
+
+// ------------------------------------------------------------ clamps (scalar)
+inline int clampU8(int x) { return x < 0 ? 0 : (x > 255 ? 255 : x); }
+inline int clampS16(int x) { return x < -32768 ? -32768 : (x > 32767 ? 32767 : x); }
+inline int clampU16(int x) { return x < 0 ? 0 : (x > 65535 ? 65535 : x); }
+
+// ------------------------------------------------------------ 16-bit products
+// floor(a * b / 65536), unsigned 16-bit operands
+inline int mulHighU16(int a, int b) {
+    return static_cast<int>((static_cast<uint32_t>(static_cast<uint16_t>(a)) * static_cast<uint16_t>(b)) >> 16);
+}
+inline V mulHighU16(V a, V b) { return _mm_mulhi_epu16(a, b); }
+
+// floor(a * b / 65536), signed 16-bit operands
+inline int mulHighS16(int a, int b) {
+    return (static_cast<int16_t>(a) * static_cast<int16_t>(b)) >> 16;
+}
+inline V mulHighS16(V a, V b) { return _mm_mulhi_epi16(a, b); }
+
+// (a * b + 16384) >> 15, low 16 bits kept
+inline int mulRoundS15(int a, int b) {
+    return static_cast<int16_t>((static_cast<int16_t>(a) * static_cast<int16_t>(b) + 16384) >> 15);
+}
+inline V mulRoundS15(V a, V b) { return _mm_mulhrs_epi16(a, b); }
+
+// ------------------------------------------------------------ saturating 16-bit sums
+inline int addSatS16(int a, int b) { return clampS16(a + b); }
+inline V addSatS16(V a, V b) { return _mm_adds_epi16(a, b); }
+inline int subSatS16(int a, int b) { return clampS16(a - b); }
+inline V subSatS16(V a, V b) { return _mm_subs_epi16(a, b); }
+inline int addSatU16(int a, int b) { return clampU16(a + b); }
+inline V addSatU16(V a, V b) { return _mm_adds_epu16(a, b); }
+inline int subSatU16(int a, int b) { return clampU16(a - b); }
+inline V subSatU16(V a, V b) { return _mm_subs_epu16(a, b); }
+
+// ------------------------------------------------------------ vector clamps by packing
+// two vectors of signed 16-bit lanes to 16 bytes, each lane limited to 0..255
+inline V clampU8(V lo, V hi) { return _mm_packus_epi16(lo, hi); }
+// two vectors of 32-bit lanes to eight signed / unsigned 16-bit lanes
+inline V clampS16(V lo, V hi) { return _mm_packs_epi32(lo, hi); }
+inline V clampU16(V lo, V hi) { return _mm_packus_epi32(lo, hi); }
+
+// ------------------------------------------------------------ float to integer
+// nearest, ties to even (under the caller's rounding mode, as the instruction does)
+inline int roundEven(float x) { return _mm_cvtss_si32(_mm_set_ss(x)); }
+inline V roundEven(VF x) { return _mm_cvtps_epi32(x); }
+// toward zero
+inline int truncToInt(float x) { return _mm_cvttss_si32(_mm_set_ss(x)); }
+inline V truncToInt(VF x) { return _mm_cvttps_epi32(x); }
+
+// ------------------------------------------------------------ small vector helpers
+inline V splat16(int v) { return _mm_set1_epi16(static_cast<short>(v)); }
+inline V zero() { return _mm_setzero_si128(); }
+// bytes to 16-bit lanes: low eight and high eight
+inline V widenLo(V b) { return _mm_cvtepu8_epi16(b); }
+inline V widenHi(V b) { return _mm_unpackhi_epi8(b, _mm_setzero_si128()); }
+
+}  // namespace kro
