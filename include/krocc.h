@@ -112,6 +112,14 @@ KroStatus kroiYUVToRGB_8u_P3C3R(const Kro8u* const pSrc[3], int srcStep, Kro8u* 
 /* YUV planes to RGB planes. */
 KroStatus kroiYUVToRGB_8u_P3R(const Kro8u* const pSrc[3], int srcStep, Kro8u* const pDst[3], int dstStep, kroiSize roiSize);
 
+/* ------------------------------------------------------------ RGB/BGR <-> YCbCr (8u) */
+
+/* ------------------------------------------------------------ RGB <-> XYZ */
+
+/* ------------------------------------------------------------ grey */
+
+/* ------------------------------------------------------------ HLS */
+
 #ifdef __cplusplus
 }
 #endif
