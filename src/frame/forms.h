@@ -68,3 +68,44 @@ inline V widenLo(V b) { return _mm_cvtepu8_epi16(b); }
 inline V widenHi(V b) { return _mm_unpackhi_epi8(b, _mm_setzero_si128()); }
 
 }  // namespace kro
+
+namespace kro {
+
+// ------------------------------------------------------------ 32-bit lanes as numbers
+// Four signed 32-bit lanes with the operators of plain int, so a scalar form
+// written as a template over its number type runs unchanged on four pixels at
+// once, with exactly the results of its scalar instantiation (products and sums
+// stay within 32 bits in every form that uses it).
+struct I32x4 {
+    V v;
+    I32x4() = default;
+    explicit I32x4(V x) : v(x) {}
+    I32x4(int k) : v(_mm_set1_epi32(k)) {}  // NOLINT: constants mix in like ints
+    friend I32x4 operator+(I32x4 a, I32x4 b) { return I32x4(_mm_add_epi32(a.v, b.v)); }
+    friend I32x4 operator-(I32x4 a, I32x4 b) { return I32x4(_mm_sub_epi32(a.v, b.v)); }
+    friend I32x4 operator*(I32x4 a, I32x4 b) { return I32x4(_mm_mullo_epi32(a.v, b.v)); }
+    friend I32x4 operator<<(I32x4 a, int n) { return I32x4(_mm_slli_epi32(a.v, n)); }
+    friend I32x4 operator>>(I32x4 a, int n) { return I32x4(_mm_srai_epi32(a.v, n)); }
+};
+inline I32x4 clampU8(I32x4 x) {
+    return I32x4(_mm_min_epi32(_mm_max_epi32(x.v, _mm_setzero_si128()), _mm_set1_epi32(255)));
+}
+
+// A per-pixel scalar form (template apply<T> over int) run on eight pixels of
+// 16-bit lanes in two halves of 32-bit lanes: exactly the scalar numbers.
+template <class Form>
+struct Lanes32 {
+    static void apply(const V (&in)[3], V (&out)[3]) {
+        I32x4 lo[3], hi[3];
+        for (int k = 0; k < 3; ++k) {
+            lo[k] = I32x4(_mm_cvtepu16_epi32(in[k]));
+            hi[k] = I32x4(_mm_unpackhi_epi16(in[k], _mm_setzero_si128()));
+        }
+        I32x4 ol[3], oh[3];
+        Form::apply(lo[0], lo[1], lo[2], ol[0], ol[1], ol[2]);
+        Form::apply(hi[0], hi[1], hi[2], oh[0], oh[1], oh[2]);
+        for (int k = 0; k < 3; ++k) out[k] = _mm_packs_epi32(ol[k].v, oh[k].v);
+    }
+};
+
+}  // namespace kro

@@ -108,6 +108,19 @@ inline void storeBytes(uint8_t* p, const V (&out)[Cn]) {
 // Interleaved bytes to channel vectors (channels 0..Cn-1 of px).
 template <int Cn>
 inline void deinterleave(const V (&in)[Cn], Px& px) {
+    if constexpr (Cn == 4) {
+        // group each vector's four pixels by channel, then transpose 4 x 4 dwords
+        const V byChannel = _mm_setr_epi8(0, 4, 8, 12, 1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15);
+        const V a = _mm_shuffle_epi8(in[0], byChannel), b = _mm_shuffle_epi8(in[1], byChannel);
+        const V c = _mm_shuffle_epi8(in[2], byChannel), d = _mm_shuffle_epi8(in[3], byChannel);
+        const V t0 = _mm_unpacklo_epi32(a, b), t1 = _mm_unpackhi_epi32(a, b);
+        const V t2 = _mm_unpacklo_epi32(c, d), t3 = _mm_unpackhi_epi32(c, d);
+        px.c[0] = _mm_unpacklo_epi64(t0, t2);
+        px.c[1] = _mm_unpackhi_epi64(t0, t2);
+        px.c[2] = _mm_unpacklo_epi64(t1, t3);
+        px.c[3] = _mm_unpackhi_epi64(t1, t3);
+        return;
+    }
     const auto& t = kInterleave<Cn>;
     for (int c = 0; c < Cn; ++c) {
         V acc = _mm_shuffle_epi8(in[0], loadMask(t.gather[0][c]));
@@ -118,6 +131,15 @@ inline void deinterleave(const V (&in)[Cn], Px& px) {
 
 template <int Cn>
 inline void interleave(const Px& px, V (&out)[Cn]) {
+    if constexpr (Cn == 4) {
+        const V t0 = _mm_unpacklo_epi8(px.c[0], px.c[1]), t1 = _mm_unpackhi_epi8(px.c[0], px.c[1]);
+        const V t2 = _mm_unpacklo_epi8(px.c[2], px.c[3]), t3 = _mm_unpackhi_epi8(px.c[2], px.c[3]);
+        out[0] = _mm_unpacklo_epi16(t0, t2);
+        out[1] = _mm_unpackhi_epi16(t0, t2);
+        out[2] = _mm_unpacklo_epi16(t1, t3);
+        out[3] = _mm_unpackhi_epi16(t1, t3);
+        return;
+    }
     const auto& t = kInterleave<Cn>;
     for (int v = 0; v < Cn; ++v) {
         V acc = _mm_shuffle_epi8(px.c[0], loadMask(t.scatter[v][0]));
@@ -140,7 +162,7 @@ inline uint8_t* rowAt(uint8_t* base, int step, int y) { return base + static_cas
 // What a destination with four samples a pixel does with the fourth.
 enum class Alpha {
     None,      // three samples a pixel
-    Keep,      // left as it was (tail only: vector steps would have to read it back)
+    Keep,      // left as it was (vector steps read the row back and rewrite the same bytes)
     Aval,      // set to the caller's aval
     FromSrc,   // the source's fourth sample
     ZeroMain,  // 0 from the vector steps, left as it was by the tail
@@ -212,12 +234,18 @@ struct DstC8 {
         uint8_t aval;
         template <int N>
         void store(int x, Px px) const {
-            static_assert(A != Alpha::Keep, "vector steps cannot keep the destination's fourth sample");
             if constexpr (Swap) swap02(px);
             if constexpr (A == Alpha::Aval) px.c[3] = _mm_set1_epi8(static_cast<char>(aval));
-            if constexpr (A == Alpha::ZeroMain) px.c[3] = zero();
+            if constexpr (A == Alpha::ZeroMain || A == Alpha::Keep) px.c[3] = zero();
             V out[Cn];
             interleave<Cn>(px, out);
+            if constexpr (A == Alpha::Keep) {
+                // read the row back and keep every fourth byte as it was
+                V old[Cn];
+                loadBytes<Cn, N>(p + Cn * x, old);
+                const V fourth = _mm_set1_epi32(static_cast<int>(0xff000000u));
+                for (int v = 0; v < Cn; ++v) out[v] = _mm_blendv_epi8(out[v], old[v], fourth);
+            }
             storeBytes<Cn, N>(p + Cn * x, out);
         }
         void put(int x, int a, int b, int c, int alpha) const {

@@ -1,5 +1,7 @@
 // RGB <-> YUV (analogue model) at full resolution, 8-bit samples.
 // Each operation names its layouts and the forms of its main path and tail.
+// Operations whose whole row is defined by a tail form run that same form four
+// pixels at a time in 32-bit lanes (Lanes32): identical numbers at every column.
 #include "frame/region.h"
 #include "impl_decls.h"
 #include "matrix/yuv_forms.h"
@@ -49,7 +51,7 @@ KroStatus impl_kroiRGBToYUV_8u_P3R(const Kro8u* const pSrc[3], int srcStep, Kro8
 KroStatus impl_kroiRGBToYUV_8u_AC4R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize) {
     if (anyNull(pSrc, pDst)) return kroStatusNullPointer;
     if (badSize(roiSize)) return kroStatusBadSize;
-    Kernel8<0, 0, void, Fwd1>::region(Rgb4{pSrc, srcStep}, Out4Keep{pDst, dstStep}, roiSize);
+    Kernel8<16, 4, Lanes32<Fwd1>, Fwd1>::region(Rgb4{pSrc, srcStep}, Out4Keep{pDst, dstStep}, roiSize);
     return kroStatusOk;
 }
 
@@ -74,7 +76,7 @@ KroStatus impl_kroiYUVToRGB_8u_C3R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, 
 KroStatus impl_kroiYUVToRGB_8u_AC4R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize) {
     if (anyNull(pSrc, pDst)) return kroStatusNullPointer;
     if (badSize(roiSize)) return kroStatusBadSize;
-    Kernel8<0, 0, void, Inv1>::region(Rgb4{pSrc, srcStep}, Out4Keep{pDst, dstStep}, roiSize);
+    Kernel8<16, 4, Lanes32<Inv1>, Inv1>::region(Rgb4{pSrc, srcStep}, Out4Keep{pDst, dstStep}, roiSize);
     return kroStatusOk;
 }
 
@@ -101,6 +103,6 @@ KroStatus impl_kroiYUVToRGB_8u_P3R(const Kro8u* const pSrc[3], int srcStep, Kro8
     if (anyNull(pSrc, pDst)) return kroStatusNullPointer;
     if (badSize(roiSize)) return kroStatusBadSize;
     if (anyPlaneNull(pSrc, 3) || anyPlaneNull(pDst, 3)) return kroStatusNullPointer;
-    Kernel8<0, 0, void, Inv3>::region(Planes3{pSrc, srcStep}, OutP3{pDst, dstStep}, roiSize);
+    Kernel8<16, 4, Lanes32<Inv3>, Inv3>::region(Planes3{pSrc, srcStep}, OutP3{pDst, dstStep}, roiSize);
     return kroStatusOk;
 }

@@ -9,13 +9,17 @@
 namespace kro::yuv {
 
 // ------------------------------------------------------------ forward, scalar
+// Scalar forms are templates over the number type: int for the tails, I32x4
+// where a whole row runs through a tail form four pixels at a time.
+
 // Form 1: 16 fractional bits, Y and the differences rounded by 32768.
 struct Fwd1 {
-    static void apply(int r, int g, int b, int& y, int& u, int& v) {
-        const int y16 = 19595 * r + 38470 * g + 7471 * b;
+    template <class T>
+    static void apply(T r, T g, T b, T& y, T& u, T& v) {
+        const T y16 = 19595 * r + 38470 * g + 7471 * b;
         y = (y16 + 32768) >> 16;
-        const int db = ((b << 16) - y16 + 32768) >> 16;
-        const int dr = ((r << 16) - y16 + 32768) >> 16;
+        const T db = ((b << 16) - y16 + 32768) >> 16;
+        const T dr = ((r << 16) - y16 + 32768) >> 16;
         u = ((db * 32244) >> 16) + 128;
         v = clampU8(((dr * 57475) >> 16) + 128);
     }
@@ -81,8 +85,9 @@ struct Fwd5 {
 // Forms 1 to 3 differ in rounding terms and in the last place of the weights.
 template <int KR, int KGU, int KGV, int KB, int RoundRB, int RoundG>
 struct InvScalar {
-    static void apply(int y, int u8, int v8, int& r, int& g, int& b) {
-        const int u = u8 - 128, v = v8 - 128, y16 = y << 16;
+    template <class T>
+    static void apply(T y, T u8, T v8, T& r, T& g, T& b) {
+        const T u = u8 - 128, v = v8 - 128, y16 = y << 16;
         r = clampU8((y16 + KR * v + RoundRB) >> 16);
         g = clampU8((y16 - KGU * u - KGV * v + RoundG) >> 16);
         b = clampU8((y16 + KB * u + RoundRB) >> 16);
