@@ -120,6 +120,12 @@ KroStatus kroiYUVToRGB_8u_P3R(const Kro8u* const pSrc[3], int srcStep, Kro8u* co
 
 /* ------------------------------------------------------------ HLS */
 
+/* ------------------------------------------------------------ Lab */
+
+/* ------------------------------------------------------------ encoding into subsampled formats */
+
+/* ------------------------------------------------------------ decoding subsampled formats */
+
 #ifdef __cplusplus
 }
 #endif
