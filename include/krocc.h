@@ -114,6 +114,16 @@ KroStatus kroiYUVToRGB_8u_P3R(const Kro8u* const pSrc[3], int srcStep, Kro8u* co
 
 /* ------------------------------------------------------------ RGB/BGR <-> YCbCr (8u) */
 
+/* ------------------------------------------------------------ RGB <-> YCC */
+/* Interleaved RGB to photographic YCC (8u). */
+KroStatus kroiRGBToYCC_8u_C3R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+/* RGBA to YCC with the destination's fourth sample kept (8u). */
+KroStatus kroiRGBToYCC_8u_AC4R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+/* Interleaved YCC to RGB (8u). */
+KroStatus kroiYCCToRGB_8u_C3R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+/* YCC with a fourth sample to RGBA, the destination's fourth sample kept (8u). */
+KroStatus kroiYCCToRGB_8u_AC4R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+
 /* ------------------------------------------------------------ RGB <-> XYZ */
 
 /* ------------------------------------------------------------ grey */
