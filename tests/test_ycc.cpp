@@ -15,7 +15,7 @@ Call plain(KroStatus (*f)(const Kro8u*, int, Kro8u*, int, kroiSize)) {
     };
 }
 
-const std::vector<Conv8>& yccOps() {
+const std::vector<Conv8>& photoPhotoYccOps() {
     static const std::vector<Conv8> ops = {
         {"kroiRGBToYCC_8u_C3R", L::C3, L::C3, A4::None, false, false, 8, ref::yccFwdMain, ref::yccFwdTail,
          Order::NullSize, plain(kroiRGBToYCC_8u_C3R)},
@@ -29,15 +29,15 @@ const std::vector<Conv8>& yccOps() {
     return ops;
 }
 
-class YccOp : public ::testing::TestWithParam<int> {};
-TEST_P(YccOp, MatchesReferenceAtEveryColumn) { sweep(yccOps()[GetParam()]); }
-TEST_P(YccOp, ChecksInOrderAndWritesNothingOnFailure) { checkStatuses(yccOps()[GetParam()]); }
-TEST_P(YccOp, ExhaustiveTriples) { exhaustive(yccOps()[GetParam()]); }
-INSTANTIATE_TEST_SUITE_P(All, YccOp, ::testing::Range(0, 4),
-                         [](const ::testing::TestParamInfo<int>& i) { return std::string(yccOps()[i.param].name); });
+class PhotoYccOp : public ::testing::TestWithParam<int> {};
+TEST_P(PhotoYccOp, MatchesReferenceAtEveryColumn) { sweep(photoPhotoYccOps()[GetParam()]); }
+TEST_P(PhotoYccOp, ChecksInOrderAndWritesNothingOnFailure) { checkStatuses(photoPhotoYccOps()[GetParam()]); }
+TEST_P(PhotoYccOp, ExhaustiveTriples) { exhaustiveTriples(photoPhotoYccOps()[GetParam()]); }
+INSTANTIATE_TEST_SUITE_P(All, PhotoYccOp, ::testing::Range(0, 4),
+                         [](const ::testing::TestParamInfo<int>& i) { return std::string(photoPhotoYccOps()[i.param].name); });
 
 // Known values: both paths agree on the corners of the model.
-TEST(YccValues, CornersInMainPathAndTail) {
+TEST(PhotoYccValues, CornersInMainPathAndTail) {
     struct Case {
         Kro8u in[3], out[3];
     } fwd[] = {{{255, 255, 255}, {181, 156, 137}}, {{0, 0, 0}, {0, 156, 137}}, {{255, 0, 0}, {54, 122, 232}},

@@ -65,7 +65,7 @@ TEST_P(YuvOp, MatchesReferenceAtEveryColumn) { sweep(yuvOps()[GetParam()]); }
 TEST_P(YuvOp, ChecksInOrderAndWritesNothingOnFailure) { checkStatuses(yuvOps()[GetParam()]); }
 
 // All 2^24 triples through the main path and through the tail (sampled under sanitizers).
-TEST_P(YuvOp, ExhaustiveTriples) { exhaustive(yuvOps()[GetParam()]); }
+TEST_P(YuvOp, ExhaustiveTriples) { exhaustiveTriples(yuvOps()[GetParam()]); }
 
 INSTANTIATE_TEST_SUITE_P(All, YuvOp, ::testing::Range(0, 10),
                          [](const ::testing::TestParamInfo<int>& i) { return std::string(yuvOps()[i.param].name); });
