@@ -152,6 +152,8 @@ KroStatus kroiYCCToRGB_8u_C3R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int d
 /* YCC with a fourth sample to RGBA, the destination's fourth sample kept (8u). */
 KroStatus kroiYCCToRGB_8u_AC4R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
 
+/* ------------------------------------------------------------ YCoCg */
+
 /* ------------------------------------------------------------ RGB <-> XYZ */
 
 /* ------------------------------------------------------------ grey */
