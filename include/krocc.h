@@ -161,6 +161,21 @@ KroStatus kroiYCCToRGB_8u_AC4R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int 
 /* ------------------------------------------------------------ HLS */
 
 /* ------------------------------------------------------------ Lab */
+/* CIE L*a*b* of linear RGB (BT.709 primaries, D65 white), in 32-bit floats.
+ * 8u Lab: L x 2.55, a + 128, b + 128. 16u Lab: L x 655.35, (a + 128) x 255,
+ * (b + 128) x 255. 32f: L 0..100, a, b themselves; RGB nominally 0..1.
+ * Steps are in bytes for every sample type. */
+KroStatus kroiRGBToLab_8u_C3R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiBGRToLab_8u_C3R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiBGRToLab_8u16u_C3R(const Kro8u* pSrc, int srcStep, Kro16u* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiRGBToLab_32f_C3R(const Kro32f* pSrc, int srcStep, Kro32f* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiBGRToLab_32f_C3R(const Kro32f* pSrc, int srcStep, Kro32f* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiLabToRGB_8u_C3R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiLabToBGR_8u_C3R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiLabToBGR_16u8u_C3R(const Kro16u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+/* Float RGB is stored as computed: no clamp to 0..1. */
+KroStatus kroiLabToRGB_32f_C3R(const Kro32f* pSrc, int srcStep, Kro32f* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiLabToBGR_32f_C3R(const Kro32f* pSrc, int srcStep, Kro32f* pDst, int dstStep, kroiSize roiSize);
 
 /* ------------------------------------------------------------ encoding into subsampled formats */
 

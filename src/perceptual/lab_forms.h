@@ -1,0 +1,240 @@
+// The float forms of CIE L*a*b*: RGB to XYZ, the cube root by table and
+// binomial series, f(t) with its linear segment, XYZ to Lab and back, and the
+// sample encodings of each type.
+//
+// Forms are templates over their number type: float for the scalar tail,
+// F32x4 for four pixels of the main path. Every product and sum rounds to a
+// float in the order written, so a pixel gets the same numbers in either path.
+// The few steps that are not plain arithmetic (table lookup, choice by mask,
+// conversions) stand below as scalar and vector overloads side by side.
+#pragma once
+
+#include <utility>
+
+#include "frame/forms.h"
+#include "perceptual/lab_tables.h"
+
+namespace kro::lab {
+
+using kro::clampU8;
+using kro::roundEven;
+
+// ------------------------------------------------------------ four float lanes as a number
+struct F32x4 {
+    VF v;
+    F32x4() = default;
+    explicit F32x4(VF x) : v(x) {}
+    F32x4(float k) : v(_mm_set1_ps(k)) {}  // NOLINT: constants mix in like floats
+    friend F32x4 operator+(F32x4 a, F32x4 b) { return F32x4(_mm_add_ps(a.v, b.v)); }
+    friend F32x4 operator-(F32x4 a, F32x4 b) { return F32x4(_mm_sub_ps(a.v, b.v)); }
+    friend F32x4 operator*(F32x4 a, F32x4 b) { return F32x4(_mm_mul_ps(a.v, b.v)); }
+};
+
+// ------------------------------------------------------------ conversions
+// integer samples to float (float samples pass)
+inline float toFloat(int v) { return static_cast<float>(v); }
+inline float toFloat(float v) { return v; }
+inline F32x4 toFloat(I32x4 v) { return F32x4(_mm_cvtepi32_ps(v.v)); }
+inline F32x4 toFloat(F32x4 v) { return v; }
+
+// nearest, ties to even
+inline I32x4 roundEven(F32x4 x) { return I32x4(kro::roundEven(x.v)); }
+
+// limited to 0..65535 (clampU8 of I32x4 comes from the frame)
+inline I32x4 clampU16(I32x4 x) {
+    return I32x4(_mm_min_epi32(_mm_max_epi32(x.v, _mm_setzero_si128()), _mm_set1_epi32(65535)));
+}
+
+template <class T>
+using FloatOf = decltype(toFloat(std::declval<T>()));
+template <class T>
+using IntOf = decltype(roundEven(std::declval<T>()));
+
+// ------------------------------------------------------------ choice by mask
+// t <= lim ? a : b; both a and b are computed beforehand in every lane.
+inline float pickAtMost(float t, float lim, float a, float b) { return t <= lim ? a : b; }
+inline F32x4 pickAtMost(F32x4 t, float lim, F32x4 a, F32x4 b) {
+    return F32x4(_mm_blendv_ps(b.v, a.v, _mm_cmple_ps(t.v, _mm_set1_ps(lim))));
+}
+
+// ------------------------------------------------------------ cube-root segment
+// Segment truncToInt(127.998047 x x) of the table, kept within 0..127: inputs
+// beyond 1.0000153, negative or NaN read the nearest end segment (their value
+// below thresh is replaced by the linear segment anyway).
+inline int cubeIndex(float x) {
+    const int i = truncToInt(c::cubeIndexScale * x);
+    return i < 0 ? 0 : (i > 127 ? 127 : i);
+}
+inline void cubeSegment(float x, float& cc, float& k) {
+    const CubeSeg& s = kCubeTable.seg[cubeIndex(x)];
+    cc = s.c;
+    k = s.k;
+}
+// four lanes: four indices, one 8-byte (c, k) load each, then c and k regrouped
+inline void cubeSegment(F32x4 x, F32x4& cc, F32x4& k) {
+    V i = truncToInt(_mm_mul_ps(_mm_set1_ps(c::cubeIndexScale), x.v));
+    i = _mm_min_epi32(_mm_max_epi32(i, _mm_setzero_si128()), _mm_set1_epi32(127));
+    const CubeSeg* t = kCubeTable.seg;
+    const auto at = [t](int n) { return reinterpret_cast<const __m64*>(&t[n]); };
+    const VF p01 = _mm_loadh_pi(_mm_loadl_pi(_mm_setzero_ps(), at(_mm_cvtsi128_si32(i))), at(_mm_extract_epi32(i, 1)));
+    const VF p23 = _mm_loadh_pi(_mm_loadl_pi(_mm_setzero_ps(), at(_mm_extract_epi32(i, 2))), at(_mm_extract_epi32(i, 3)));
+    cc = F32x4(_mm_shuffle_ps(p01, p23, _MM_SHUFFLE(2, 0, 2, 0)));
+    k = F32x4(_mm_shuffle_ps(p01, p23, _MM_SHUFFLE(3, 1, 3, 1)));
+}
+
+// ------------------------------------------------------------ forms
+// Cube root of x: c of x's segment times (1 + e)^(1/3), e = k (x - c^3), by
+// the alternating binomial series of S::terms terms (4 or 8).
+template <class S, class T>
+inline T cubeRoot(T x) {
+    T cc, k;
+    cubeSegment(x, cc, k);
+    const T e = k * (x - ((cc * cc) * cc));
+    const T e2 = e * e;
+    const T e3 = e2 * e;
+    const T e4 = e3 * e;
+    T p = ((((c::a1 * e) + 1.0f) - (c::a2 * e2)) + (c::a3 * e3)) - (c::a4 * e4);
+    if constexpr (S::terms == 8) {
+        const T e5 = e4 * e;
+        const T e6 = e5 * e;
+        const T e7 = e6 * e;
+        const T e8 = e * e7;
+        p = (((p + (c::a5 * e5)) - (c::a6 * e6)) + (S::a7 * e7)) - (S::a8 * e8);
+    }
+    return cc * p;
+}
+
+// f(t): the cube root above thresh, slope t + 16/116 at and below it.
+template <class S, class T>
+inline T labF(T t) {
+    const T line = (c::slope * t) + c::offs;
+    const T root = cubeRoot<S>(t);
+    return pickAtMost(t, c::thresh, line, root);
+}
+
+// One row of a 3 x 3 matrix: products summed left to right.
+template <class T>
+inline T rowSum(const float (&m)[3], T a, T b, T d) {
+    return ((m[0] * a) + (m[1] * b)) + (m[2] * d);
+}
+
+// X/Xn, Y/Yn, Z/Zn to L, a, b. L is linear (903.3 y) at and below thresh.
+template <class S, class T>
+inline void relXyzToLab(T x, T y, T z, T& L, T& a, T& b) {
+    const T fx = labF<S>(x), fy = labF<S>(y), fz = labF<S>(z);
+    L = pickAtMost(y, c::thresh, y * c::lowL, (116.0f * fy) - 16.0f);
+    a = (fx - fy) * 500.0f;
+    b = (fy - fz) * 200.0f;
+}
+
+// L, a, b to the cube roots fx, fy, fz of X/Xn, Y/Yn, Z/Zn.
+template <class T>
+inline void labToRoots(T L, T a, T b, T& fx, T& fy, T& fz) {
+    fy = (L + 16.0f) * c::inv116;
+    fx = (a * c::inv500) + fy;
+    fz = fy - (b * c::inv200);
+}
+
+// ------------------------------------------------------------ white and sample scales
+// XYZ of 0..255 samples to X/Xn, Y/Yn, Z/Zn; cubes back to XYZ x 255.
+struct White8 {
+    template <class T>
+    static void relative(T X, T Y, T Z, T& x, T& y, T& z) {
+        x = X * c::xScale8;
+        y = Y * c::yScale8;
+        z = Z * c::zScale8;
+    }
+    template <class T>
+    static void absolute(T fx, T fy, T fz, T& X, T& Y, T& Z) {
+        X = ((fx * fx) * fx) * c::xn255;
+        Y = ((fy * fy) * fy) * 255.0f;
+        Z = ((fz * fz) * fz) * c::zn255;
+    }
+};
+// XYZ of 0..1 samples (Yn = 1).
+struct WhiteF {
+    template <class T>
+    static void relative(T X, T Y, T Z, T& x, T& y, T& z) {
+        x = X * c::xScaleF;
+        y = Y;
+        z = Z * c::zScaleF;
+    }
+    template <class T>
+    static void absolute(T fx, T fy, T fz, T& X, T& Y, T& Z) {
+        X = ((fx * fx) * fx) * c::xn;
+        Y = (fy * fy) * fy;
+        Z = ((fz * fz) * fz) * c::zn;
+    }
+};
+
+// ------------------------------------------------------------ Lab sample encodings
+// Each encoding turns three Lab samples into floats L, a, b (decode) and back
+// (encode, nearest even; the destination's store limits the lanes of the main
+// path to the sample range).
+
+// 8 bits: L x 2.55, a + 128, b + 128.
+struct Lab8 {
+    template <class I, class T = FloatOf<I>>
+    static void decode(const I (&s)[3], T& L, T& a, T& b) {
+        L = toFloat(s[0]) * c::inL8;
+        a = toFloat(s[1]) - 128.0f;
+        b = toFloat(s[2]) - 128.0f;
+    }
+    template <class T, class I = IntOf<T>>
+    static void encode(T L, T a, T b, I (&s)[3]) {
+        s[0] = roundEven(L * c::outL8);
+        s[1] = roundEven(a + 128.0f);
+        s[2] = roundEven(b + 128.0f);
+    }
+};
+// 16 bits: L x 655.35, (a + 128) x 255, (b + 128) x 255.
+struct Lab16 {
+    template <class I, class T = FloatOf<I>>
+    static void decode(const I (&s)[3], T& L, T& a, T& b) {
+        L = toFloat(s[0]) * c::inL16;
+        a = (toFloat(s[1]) * c::inAB16) - 128.0f;
+        b = (toFloat(s[2]) * c::inAB16) - 128.0f;
+    }
+    template <class T, class I = IntOf<T>>
+    static void encode(T L, T a, T b, I (&s)[3]) {
+        s[0] = roundEven(L * c::outL16);
+        s[1] = roundEven((a + 128.0f) * 255.0f);
+        s[2] = roundEven((b + 128.0f) * 255.0f);
+    }
+};
+// float: L, a, b themselves.
+struct LabF {
+    template <class T>
+    static void decode(const T (&s)[3], T& L, T& a, T& b) {
+        L = s[0];
+        a = s[1];
+        b = s[2];
+    }
+    template <class T>
+    static void encode(T L, T a, T b, T (&s)[3]) {
+        s[0] = L;
+        s[1] = a;
+        s[2] = b;
+    }
+};
+
+// RGB of the inverse direction: 8 bits nearest even and limited to 0..255 in
+// both paths; float as computed, unclamped.
+struct Rgb8Out {
+    template <class T, class I = IntOf<T>>
+    static void encode(T r, T g, T b, I (&s)[3]) {
+        s[0] = clampU8(roundEven(r));
+        s[1] = clampU8(roundEven(g));
+        s[2] = clampU8(roundEven(b));
+    }
+};
+struct RgbFOut {
+    template <class T>
+    static void encode(T r, T g, T b, T (&s)[3]) {
+        s[0] = r;
+        s[1] = g;
+        s[2] = b;
+    }
+};
+
+}  // namespace kro::lab
