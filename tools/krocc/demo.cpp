@@ -209,7 +209,8 @@ void writeIndex(const std::string& path, const std::string& imageName, int w, in
     s += "<p>Pictures in YUV and other non-RGB models are shown as one <b>grey</b> picture of their three planes "
          "side by side (Y, U, V from left to right). Alpha is not shown. A difference picture shows "
          "128 + 32 &times; (round trip &minus; source) for each of R, G and B, limited to 0 to 255: "
-         "mid-grey is no difference, and one step of error is a clear tint.</p>\n";
+         "mid-grey is no difference, and one step of error is a clear tint. Speeds are the best of repeated "
+         "calls on this picture, on one thread, with the data in cache.</p>\n";
     s += "<table><tr><th>conversion</th><th>Mpixel/s</th><th>back</th><th>Mpixel/s</th><th>PSNR dB</th>"
          "<th>largest error</th></tr>\n";
     for (const Shown& r : rows) {

@@ -7,6 +7,7 @@
 
 #include <cerrno>
 #include <csetjmp>
+#include <csignal>
 #include <cstring>
 
 namespace kt {
@@ -237,6 +238,26 @@ void writePicture(const std::string& path, const Picture& pic) {
 }
 
 // ------------------------------------------------------------ output files
+// The temporary file being written, so that an interrupted run removes it.
+// The tool writes one file at a time.
+namespace {
+char pendingTemp[4096];
+
+void removePendingTemp(int sig) {
+    if (pendingTemp[0]) ::unlink(pendingTemp);
+    std::signal(sig, SIG_DFL);
+    std::raise(sig);
+}
+
+void setPendingTemp(const std::string& path) {
+    if (path.size() < sizeof pendingTemp) std::memcpy(pendingTemp, path.c_str(), path.size() + 1);
+}
+}  // namespace
+
+void removeTemporaryOnSignals() {
+    for (int sig : {SIGINT, SIGTERM, SIGHUP, SIGPIPE}) std::signal(sig, removePendingTemp);
+}
+
 OutFile::OutFile(const std::string& path) : path_(path) {
     const std::size_t slash = path.find_last_of('/');
     const std::string dir = slash == std::string::npos ? "" : path.substr(0, slash + 1);
@@ -249,6 +270,7 @@ OutFile::OutFile(const std::string& path) : path_(path) {
     const int fd = mkstemp(name.data());
     if (fd < 0) throw Error("cannot write " + path + ": " + std::strerror(errno));
     tmp_ = name.data();
+    setPendingTemp(tmp_);
     // mkstemp makes the file private; give it the mode a new file would get.
     const mode_t mask = umask(0);
     umask(mask);
@@ -262,6 +284,7 @@ OutFile::OutFile(const std::string& path) : path_(path) {
 }
 
 OutFile::~OutFile() {
+    pendingTemp[0] = 0;
     if (done_) return;
     if (f_) std::fclose(f_);
     ::unlink(tmp_.c_str());
@@ -278,6 +301,7 @@ void OutFile::commit() {
     f_ = nullptr;
     if (bad) throw Error("cannot write " + path_ + ": " + std::strerror(err));
     if (std::rename(tmp_.c_str(), path_.c_str()) != 0) throw Error("cannot write " + path_ + ": " + std::strerror(errno));
+    pendingTemp[0] = 0;
     done_ = true;
 }
 

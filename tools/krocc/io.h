@@ -45,6 +45,9 @@ private:
     bool done_ = false;
 };
 
+// Makes SIGINT, SIGTERM, SIGHUP and SIGPIPE remove an unfinished output.
+void removeTemporaryOnSignals();
+
 void writePng(const std::string& path, const Picture& pic);
 void writePnm(const std::string& path, const Picture& pic);  // P5 for grey, P6 for colour
 void writePicture(const std::string& path, const Picture& pic);  // by extension

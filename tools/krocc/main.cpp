@@ -5,6 +5,7 @@
 
 #include "commands.h"
 #include "image.h"
+#include "io.h"
 #include "ops.h"
 
 namespace kt {
@@ -102,6 +103,7 @@ int main(int argc, char** argv) {
     }
     const std::string cmd = all[0];
     const Args rest(all.begin() + 1, all.end());
+    removeTemporaryOnSignals();
     try {
         if (cmd == "demo") return runDemo(rest);
         if (cmd == "convert") return runConvert(rest);

@@ -78,8 +78,13 @@ Call adapt(PlanesToPlanes f) {
 
 // ------------------------------------------------------------ the table
 // One line per library operation: exported name, source format, destination
-// format, model. A format pair that several lines reach goes to the line that
-// needs the least repacking (see repackCost), the earlier line on a tie.
+// format, model. An operation of a new family may also need its formats in
+// formats() (and a Family for channels that are not RGB, YUV or grey), its
+// model in models(), and an adapter above if its arguments have a new shape;
+// an operation with parameters of its own can give a lambda in place of
+// adapt(). convert, list and demo pick every line up by themselves.
+// A format pair that several lines reach goes to the line that needs the
+// least repacking (see repackCost), the earlier line on a tie.
 const std::vector<Conversion>& conversions() {
     static const std::vector<Conversion> table = {
         // RGB <-> YUV of analogue video
