@@ -1,5 +1,8 @@
 // krocc convert IN OUT: one picture or raw video file from one pixel format
 // to another through the library operation that fits.
+#include <sys/stat.h>
+
+#include <cerrno>
 #include <cstdio>
 #include <cstring>
 
@@ -40,6 +43,58 @@ void parseSize(const std::string& s, int& w, int& h) {
 }
 
 std::string sizeText(int w, int h) { return std::to_string(w) + "x" + std::to_string(h); }
+
+// Raw frames from a file, one at a time. A regular file's length is checked
+// against the frame size before anything is converted; from a pipe, a short
+// last frame is found when it comes.
+class RawInput {
+public:
+    ~RawInput() {
+        if (f_) std::fclose(f_);
+    }
+    // Returns the number of frames, or 0 if the input's length is unknown.
+    std::size_t open(const std::string& path, const Format& fmt, int w, int h) {
+        path_ = path;
+        fmt_ = &fmt;
+        w_ = w;
+        h_ = h;
+        frame_ = frameBytes(fmt, w, h);
+        f_ = path == "-" ? stdin : std::fopen(path.c_str(), "rb");
+        if (!f_) throw Error("cannot read " + path + ": " + std::strerror(errno));
+        struct stat st;
+        if (fstat(fileno(f_), &st) != 0) throw Error("cannot read " + path + ": " + std::strerror(errno));
+        if (S_ISDIR(st.st_mode)) throw Error("cannot read " + path + ": it is a directory");
+        if (!S_ISREG(st.st_mode)) return 0;
+        const auto bytes = static_cast<std::size_t>(st.st_size);
+        if (bytes == 0 || bytes % frame_ != 0) throw Error(lengthMessage(bytes));
+        return bytes / frame_;
+    }
+    bool next(Image& img) {
+        img = Image(*fmt_, w_, h_);
+        std::size_t got = 0;
+        for (int p = 0; p < fmt_->planeCount; ++p) {
+            const std::size_t n = std::fread(img.data(p), 1, img.plane[p].size(), f_);
+            got += n;
+            if (n < img.plane[p].size()) break;
+        }
+        if (std::ferror(f_)) throw Error("cannot read " + path_);
+        if (got == 0) return false;
+        if (got < frame_) throw Error(lengthMessage(read_ + got));
+        read_ += got;
+        return true;
+    }
+
+private:
+    std::string lengthMessage(std::size_t bytes) const {
+        return path_ + " holds " + std::to_string(bytes) + " bytes, not a whole number of " + sizeText(w_, h_) + " " +
+               fmt_->name + " frames of " + std::to_string(frame_) + " bytes";
+    }
+    std::string path_;
+    const Format* fmt_ = nullptr;
+    int w_ = 0, h_ = 0;
+    std::size_t frame_ = 0, read_ = 0;
+    std::FILE* f_ = nullptr;
+};
 
 const char* kindName(FileKind k) { return k == FileKind::Png ? "a PNG file" : "a PPM/PGM file"; }
 
@@ -89,25 +144,15 @@ int runConvert(const Args& args) {
     int w = 0, h = 0;
     if (!size.empty()) parseSize(size, w, h);
 
-    // Read the input: raw frames, or one picture.
-    std::vector<Image> frames;
+    // The input: raw frames, read one at a time, or one picture.
+    RawInput raw;
+    Image picture;
+    std::size_t frameCount = 1;
     if (inKind == FileKind::Raw) {
         if (!from) throw UsageError("a raw input needs --from FORMAT and --size WxH (" + in + " is not .png, .ppm or .pgm)");
         if (size.empty()) throw UsageError("a raw input needs --size WxH");
         checkSizeFits(*from, w, h);
-        const std::vector<uint8_t> bytes = readWholeFile(in);
-        const std::size_t frame = frameBytes(*from, w, h);
-        if (bytes.empty() || bytes.size() % frame != 0)
-            throw Error(in + " holds " + std::to_string(bytes.size()) + " bytes, not a whole number of " + sizeText(w, h) +
-                        " " + from->name + " frames of " + std::to_string(frame) + " bytes");
-        for (std::size_t at = 0; at < bytes.size();) {
-            Image img(*from, w, h);
-            for (int p = 0; p < from->planeCount; ++p) {
-                std::memcpy(img.data(p), bytes.data() + at, img.plane[p].size());
-                at += img.plane[p].size();
-            }
-            frames.push_back(std::move(img));
-        }
+        frameCount = raw.open(in, *from, w, h);
     } else {
         if (from && !from->fullResolution())
             throw Error(std::string(kindName(inKind)) + " cannot hold " + from->name + "; give it as a raw file with --size");
@@ -117,7 +162,7 @@ int runConvert(const Args& args) {
         w = pic.width;
         h = pic.height;
         if (!from) from = &formatOrThrow(pic.channels == 1 ? "gray" : pic.channels == 3 ? "rgb24" : "rgba");
-        frames.push_back(fromPicture(pic, *from));
+        picture = fromPicture(pic, *from);
         if (verbose && pic.channels == 4 && !from->hasAlpha())
             std::fprintf(stderr, "krocc: %s drops the input's alpha\n", from->name);
     }
@@ -127,8 +172,8 @@ int runConvert(const Args& args) {
     if (outKind != FileKind::Raw) {
         if (!to->fullResolution())
             throw Error(std::string(kindName(outKind)) + " cannot hold " + to->name + "; write a raw file");
-        if (frames.size() > 1)
-            throw Error(in + " holds " + std::to_string(frames.size()) + " frames; " + kindName(outKind) +
+        if (frameCount != 1)
+            throw Error(in + " holds " + std::to_string(frameCount) + " frames; " + kindName(outKind) +
                         " holds one (write a raw file)");
         if (outKind == FileKind::Pnm && to->hasAlpha())
             throw Error(std::string("a PPM file cannot hold alpha, and ") + to->name + " has it; write a PNG or a raw file");
@@ -147,31 +192,46 @@ int runConvert(const Args& args) {
             chain += std::string(" -> ") + (route.repackIn ? "repack" : "copy") + " -> " + to->name + " (no library operation needed)";
             if (!model.empty()) chain += "; --matrix is not used";
         }
-        std::fprintf(stderr, "krocc: %s, %s, %zu frame%s\n", chain.c_str(), sizeText(w, h).c_str(), frames.size(),
-                     frames.size() == 1 ? "" : "s");
+        std::string frames = frameCount ? std::to_string(frameCount) : std::string("streamed");
+        frames += frameCount == 1 ? " frame" : " frames";
+        std::fprintf(stderr, "krocc: %s, %s, %s\n", chain.c_str(), sizeText(w, h).c_str(), frames.c_str());
     }
 
-    for (Image& img : frames) {
-        if (!route.op) {
-            img = repack(img, *to);
-            continue;
-        }
+    auto convertFrame = [&](Image img) {
+        if (!route.op) return repack(img, *to);
         if (route.repackIn) img = repack(img, route.op->fromFormat());
         KroStatus st;
         Image res = runOp(*route.op, img, &st);
         if (st < 0) throw Error(std::string(route.op->name) + " failed with " + statusText(st));
         if (st > 0 && verbose) std::fprintf(stderr, "krocc: %s warns %s\n", route.op->name, statusText(st).c_str());
-        img = route.repackOut ? repack(res, *to) : std::move(res);
-    }
+        return route.repackOut ? repack(res, *to) : res;
+    };
 
-    if (outKind == FileKind::Raw) {
-        OutFile f(out);
-        for (const Image& img : frames)
-            for (int p = 0; p < img.fmt->planeCount; ++p) f.write(img.data(p), img.plane[p].size());
-        f.commit();
-    } else {
-        writePicture(out, toPicture(frames[0]));
+    if (outKind != FileKind::Raw) {
+        if (inKind == FileKind::Raw) {  // exactly one frame
+            Image extra;
+            if (!raw.next(picture)) throw Error(in + " is empty");
+            if (raw.next(extra)) throw Error(in + " holds more than one frame; " + kindName(outKind) + " holds one (write a raw file)");
+        }
+        writePicture(out, toPicture(convertFrame(std::move(picture))));
+        return 0;
     }
+    OutFile f(out);
+    auto put = [&](const Image& img) {
+        for (int p = 0; p < img.fmt->planeCount; ++p) f.write(img.data(p), img.plane[p].size());
+    };
+    if (inKind == FileKind::Raw) {
+        Image frame;
+        std::size_t n = 0;
+        while (raw.next(frame)) {
+            put(convertFrame(std::move(frame)));
+            ++n;
+        }
+        if (n == 0) throw Error(in + " is empty");
+    } else {
+        put(convertFrame(std::move(picture)));
+    }
+    f.commit();
     return 0;
 }
 

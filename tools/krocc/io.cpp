@@ -259,6 +259,10 @@ void removeTemporaryOnSignals() {
 }
 
 OutFile::OutFile(const std::string& path) : path_(path) {
+    if (path == "-") {  // standard output: written as it comes
+        f_ = stdout;
+        return;
+    }
     const std::size_t slash = path.find_last_of('/');
     const std::string dir = slash == std::string::npos ? "" : path.substr(0, slash + 1);
     const std::string base = slash == std::string::npos ? path : path.substr(slash + 1);
@@ -285,7 +289,7 @@ OutFile::OutFile(const std::string& path) : path_(path) {
 
 OutFile::~OutFile() {
     pendingTemp[0] = 0;
-    if (done_) return;
+    if (done_ || f_ == stdout) return;
     if (f_) std::fclose(f_);
     ::unlink(tmp_.c_str());
 }
@@ -295,6 +299,11 @@ void OutFile::write(const void* p, std::size_t n) {
 }
 
 void OutFile::commit() {
+    if (f_ == stdout) {
+        if (std::fflush(stdout) != 0) throw Error(std::string("cannot write to standard output: ") + std::strerror(errno));
+        done_ = true;
+        return;
+    }
     const bool bad = std::fflush(f_) != 0 || std::ferror(f_);
     const int err = errno;
     std::fclose(f_);

@@ -49,8 +49,12 @@ protected:
         fs::create_directories(dir);
     }
 
-    Outcome run(const std::string& args) {
-        const std::string cmd = "cd '" + dir.string() + "' && '" KROCC_TOOL "' " + args + " >.stdout 2>.stderr";
+    Outcome run(const std::string& args) { return shell("'" KROCC_TOOL "' " + args); }
+
+    // A shell command line in the scratch directory; $K stands for the tool.
+    Outcome shell(std::string line) {
+        for (std::size_t at; (at = line.find("$K")) != std::string::npos;) line.replace(at, 2, "'" KROCC_TOOL "'");
+        const std::string cmd = "cd '" + dir.string() + "' && { " + line + " ; } >.stdout 2>.stderr";
         const int raw = std::system(cmd.c_str());
         Outcome r;
         r.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : 128;
@@ -169,6 +173,26 @@ TEST_F(ToolCli, ConvertRawFrames) {
     r = run("convert mid.yuv one.png --from yuv444p --size 9x4");
     EXPECT_NE(r.status, 0);
     EXPECT_FALSE(fs::exists(dir / "one.png"));
+}
+
+// Raw frames stream through pipes; a short last frame fails and leaves no
+// output file.
+TEST_F(ToolCli, ConvertStreamsThroughPipes) {
+    const std::vector<uint8_t> rgb = randomBytes(6 * 5 * 3 * 4, 16);
+    spill(dir / "in.rgb", rgb);
+    Outcome r = shell("cat in.rgb | $K convert - - -f rgb24 -t yuv444p -s 6x5 | $K convert - back.rgb -f yuv444p -t rgb24 -s 6x5");
+    ASSERT_EQ(r.status, 0) << r.err;
+    ASSERT_EQ(run("convert in.rgb direct.yuv -f rgb24 -t yuv444p -s 6x5").status, 0);
+    ASSERT_EQ(run("convert direct.yuv direct.rgb -f yuv444p -t rgb24 -s 6x5").status, 0);
+    EXPECT_EQ(bytesOf(dir / "back.rgb"), bytesOf(dir / "direct.rgb"));
+    EXPECT_EQ(bytesOf(dir / "back.rgb").size(), rgb.size());
+
+    r = shell("head -c 100 in.rgb | $K convert - short.yuv -f rgb24 -t yuv444p -s 6x5");
+    EXPECT_NE(r.status, 0);
+    EXPECT_NE(r.err.find("holds 100 bytes"), std::string::npos) << r.err;
+    EXPECT_FALSE(fs::exists(dir / "short.yuv"));
+    for (const auto& e : fs::directory_iterator(dir))
+        EXPECT_EQ(e.path().filename().string().find(".krocc-"), std::string::npos) << e.path();
 }
 
 // Pictures: PNG <-> PPM <-> raw without a library operation, and a YUV
