@@ -172,7 +172,7 @@ int runConvert(const Args& args) {
     if (outKind != FileKind::Raw) {
         if (!to->fullResolution())
             throw Error(std::string(kindName(outKind)) + " cannot hold " + to->name + "; write a raw file");
-        if (frameCount != 1)
+        if (frameCount > 1)
             throw Error(in + " holds " + std::to_string(frameCount) + " frames; " + kindName(outKind) +
                         " holds one (write a raw file)");
         if (outKind == FileKind::Pnm && to->hasAlpha())

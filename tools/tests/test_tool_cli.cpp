@@ -187,6 +187,14 @@ TEST_F(ToolCli, ConvertStreamsThroughPipes) {
     EXPECT_EQ(bytesOf(dir / "back.rgb"), bytesOf(dir / "direct.rgb"));
     EXPECT_EQ(bytesOf(dir / "back.rgb").size(), rgb.size());
 
+    r = shell("head -c 90 in.rgb | $K convert - one.png -f rgb24 -s 6x5");  // one frame from a pipe
+    ASSERT_EQ(r.status, 0) << r.err;
+    EXPECT_EQ(kt::readPicture((dir / "one.png").string()).data, std::vector<uint8_t>(rgb.begin(), rgb.begin() + 90));
+    r = shell("cat in.rgb | $K convert - two.png -f rgb24 -s 6x5");
+    EXPECT_NE(r.status, 0);
+    EXPECT_NE(r.err.find("more than one frame"), std::string::npos) << r.err;
+    EXPECT_FALSE(fs::exists(dir / "two.png"));
+
     r = shell("head -c 100 in.rgb | $K convert - short.yuv -f rgb24 -t yuv444p -s 6x5");
     EXPECT_NE(r.status, 0);
     EXPECT_NE(r.err.find("holds 100 bytes"), std::string::npos) << r.err;
