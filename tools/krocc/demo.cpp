@@ -114,31 +114,18 @@ double timeOp(const Conversion& op, const Image& in, Image& out) {
     return best;
 }
 
-// How an image is shown: RGB as it is (alpha dropped); other families as a
-// grey picture of their colour planes side by side.
-Picture display(const Image& img) {
-    const Channels ch = unpack(img);
-    Picture pic;
-    const std::size_t n = static_cast<std::size_t>(ch.width) * ch.height;
-    if (ch.family == Family::Rgb) {
-        pic.width = ch.width;
-        pic.height = ch.height;
-        pic.channels = 3;
-        pic.data.resize(n * 3);
-        for (int c = 0; c < 3; ++c)
-            for (std::size_t i = 0; i < n; ++i) pic.data[i * 3 + c] = ch.c[c][i];
-        return pic;
+// The top left w x h pixels of a full-resolution image.
+Image cropped(const Image& img, int w, int h) {
+    if (w == img.width && h == img.height) return img;
+    Channels ch = unpack(img);
+    for (auto& c : ch.c) {
+        for (int y = 0; y < h; ++y)
+            std::memmove(&c[static_cast<std::size_t>(y) * w], &c[static_cast<std::size_t>(y) * ch.width], static_cast<std::size_t>(w));
+        c.resize(static_cast<std::size_t>(w) * h);
     }
-    const int colour = ch.family == Family::Gray ? 1 : 3;
-    pic.width = ch.width * colour;
-    pic.height = ch.height;
-    pic.channels = 1;
-    pic.data.resize(n * colour);
-    for (int c = 0; c < colour; ++c)
-        for (int y = 0; y < ch.height; ++y)
-            std::memcpy(&pic.data[static_cast<std::size_t>(y) * pic.width + static_cast<std::size_t>(c) * ch.width],
-                        &ch.c[c][static_cast<std::size_t>(y) * ch.width], static_cast<std::size_t>(ch.width));
-    return pic;
+    ch.width = w;
+    ch.height = h;
+    return pack(ch, *img.fmt);
 }
 
 struct Error3 {
@@ -267,14 +254,12 @@ int runDemo(const Args& args) {
     const std::string imageName = input.empty() ? "chelsea.png (built in)" : input.substr(input.find_last_of('/') + 1);
     const Format& rgb = formatOrThrow("rgb24");
     const Image source = fromPicture(pic, rgb);
-    const Channels srcCh = unpack(source);
 
     makeDirs(outDir);
-    writePng(outDir + "/source.png", display(source));
+    writePng(outDir + "/source.png", showPicture(source));
 
     std::vector<const Conversion*> skipped;
     const std::vector<Trip> trips = planTrips(skipped);
-    const double mpix = static_cast<double>(source.width) * source.height / 1e6;
     std::vector<Shown> rows;
 
     std::printf("%s, %d x %d\n", imageName.c_str(), source.width, source.height);
@@ -285,11 +270,20 @@ int runDemo(const Args& args) {
         r.trip = t;
         char prefix[16];
         std::snprintf(prefix, sizeof prefix, "%02d-", ++number);
-        const Image in = repack(source, t.there->fromFormat());
+        // Subsampled formats take whole chroma blocks: crop the picture to fit.
+        int bw = std::max(t.there->fromFormat().blockWidth(), t.there->toFormat().blockWidth());
+        int bh = std::max(t.there->fromFormat().blockHeight(), t.there->toFormat().blockHeight());
+        if (t.back) {
+            bw = std::max({bw, t.back->fromFormat().blockWidth(), t.back->toFormat().blockWidth()});
+            bh = std::max({bh, t.back->fromFormat().blockHeight(), t.back->toFormat().blockHeight()});
+        }
+        const Image fitted = cropped(source, source.width / bw * bw, source.height / bh * bh);
+        const double mpix = static_cast<double>(fitted.width) * fitted.height / 1e6;
+        const Image in = repack(fitted, t.there->fromFormat());
         Image mid = runChecked(*t.there, in);
         r.thereMps = mpix / timeOp(*t.there, in, mid);
         r.midFile = prefix + std::string(t.there->name + 4) + ".png";
-        writePng(outDir + "/" + r.midFile, display(mid));
+        writePng(outDir + "/" + r.midFile, showPicture(mid));
         r.midNote = mid.fmt->family == Family::Rgb ? "shown in colour" : "planes shown in grey side by side";
         std::string line;
         char buf[256];
@@ -301,9 +295,9 @@ int runDemo(const Args& args) {
             r.backMps = mpix / timeOp(*t.back, backIn, back);
             const Image backRgb = repack(back, rgb);
             r.backFile = prefix + std::string(t.back->name + 4) + ".png";
-            writePng(outDir + "/" + r.backFile, display(backRgb));
+            writePng(outDir + "/" + r.backFile, showPicture(backRgb));
             Picture diff;
-            r.err = compare(srcCh, unpack(backRgb), diff);
+            r.err = compare(unpack(fitted), unpack(backRgb), diff);
             r.diffFile = prefix + std::string("difference.png");
             writePng(outDir + "/" + r.diffFile, diff);
             const std::string psnr = std::isinf(r.err.psnr) ? "identical" : fixed(r.err.psnr, 2);

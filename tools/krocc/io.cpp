@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <csetjmp>
 #include <csignal>
@@ -325,6 +326,62 @@ Picture toPicture(const Image& img) {
     pic.data.resize(n * pic.channels);
     for (int c = 0; c < pic.channels; ++c)
         for (std::size_t i = 0; i < n; ++i) pic.data[i * pic.channels + c] = ch.c[c][i];
+    return pic;
+}
+
+Picture showPicture(const Image& img) {
+    const Format& f = *img.fmt;
+    Picture pic;
+    if (f.family == Family::Rgb) {
+        const Channels ch = unpack(img);
+        pic.width = ch.width;
+        pic.height = ch.height;
+        pic.channels = 3;
+        const std::size_t n = static_cast<std::size_t>(ch.width) * ch.height;
+        pic.data.resize(n * 3);
+        for (int c = 0; c < 3; ++c)
+            for (std::size_t i = 0; i < n; ++i) pic.data[i * 3 + c] = ch.c[c][i];
+        return pic;
+    }
+    // Gather each colour channel from wherever it lies: a plane of its own,
+    // interleaved with others, or several times in one unit (Y in YUYV).
+    struct Part {
+        int width = 0, height = 0;
+        std::vector<uint8_t> data;
+    };
+    const char* letters = familyLetters(f.family);
+    const int colour = f.family == Family::Gray ? 1 : 3;
+    std::vector<Part> parts(colour);
+    for (int c = 0; c < colour; ++c) {
+        for (int p = 0; p < f.planeCount; ++p) {
+            const char* l = f.planes[p].letters;
+            const int unit = static_cast<int>(std::strlen(l));
+            const int units = img.step[p] / unit;
+            std::vector<int> at;
+            for (int i = 0; i < unit; ++i)
+                if (l[i] == letters[c]) at.push_back(i);
+            if (at.empty()) continue;
+            Part& part = parts[c];
+            part.width = units * static_cast<int>(at.size());
+            part.height = img.rows[p];
+            for (int y = 0; y < img.rows[p]; ++y)
+                for (int u = 0; u < units; ++u)
+                    for (int i : at) part.data.push_back(img.plane[p][static_cast<std::size_t>(y) * img.step[p] + u * unit + i]);
+        }
+    }
+    pic.channels = 1;
+    for (const Part& part : parts) {
+        pic.width += part.width;
+        pic.height = std::max(pic.height, part.height);
+    }
+    pic.data.assign(static_cast<std::size_t>(pic.width) * pic.height, 0);
+    int x0 = 0;
+    for (const Part& part : parts) {
+        for (int y = 0; y < part.height; ++y)
+            std::memcpy(&pic.data[static_cast<std::size_t>(y) * pic.width + x0],
+                        &part.data[static_cast<std::size_t>(y) * part.width], static_cast<std::size_t>(part.width));
+        x0 += part.width;
+    }
     return pic;
 }
 

@@ -55,6 +55,12 @@ void writePicture(const std::string& path, const Picture& pic);  // by extension
 // Pictures from and to images: the picture's channels are the format's
 // family channels in canonical order (R, G, B or Y, U, V, then alpha).
 Picture toPicture(const Image& img);
+
+// How an image is shown to a person: RGB in colour (alpha dropped); any
+// other family as one grey picture of its colour channels side by side in
+// the family's order (Y, U, V), each at its own resolution, so subsampled
+// chroma shows at its true size.
+Picture showPicture(const Image& img);
 Image fromPicture(const Picture& pic, const Format& f);
 
 }  // namespace kt

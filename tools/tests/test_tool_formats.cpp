@@ -7,6 +7,7 @@
 #include <set>
 
 #include "image.h"
+#include "io.h"
 #include "ops.h"
 
 using namespace kt;
@@ -173,4 +174,37 @@ TEST(ToolConversions, AdaptersPassChannelsInOrder) {
             for (uint8_t v : out.c[3]) ASSERT_EQ(v, alpha) << c.name;
         }
     }
+}
+
+// Pictures shown to a person: Y, U, V side by side at their own sizes,
+// whatever the layout.
+TEST(ToolPictures, ChannelsSideBySideForEveryLayout) {
+    const int w = 4, h = 2;
+    for (const char* name : {"yuv444p", "yuv24", "vuya", "yuv420p", "nv12", "nv21", "yuyv422", "uyvy422", "yuv411p"}) {
+        const Format& f = formatOrThrow(name);
+        Image img(f, w, h);
+        // Each sample holds its letter's code plus its row, so where it lands tells where it came from.
+        for (int p = 0; p < f.planeCount; ++p) {
+            const char* l = f.planes[p].letters;
+            const int unit = static_cast<int>(std::strlen(l));
+            for (int y = 0; y < img.rows[p]; ++y)
+                for (int x = 0; x < img.step[p]; ++x) img.plane[p][y * img.step[p] + x] = static_cast<uint8_t>(l[x % unit] + 10 * y);
+        }
+        const Picture pic = showPicture(img);
+        const int cw = w / f.blockWidth(), ch = h / f.blockHeight();
+        ASSERT_EQ(pic.channels, 1) << name;
+        ASSERT_EQ(pic.width, w + 2 * cw) << name;
+        ASSERT_EQ(pic.height, h) << name;
+        for (int y = 0; y < h; ++y)
+            for (int x = 0; x < pic.width; ++x) {
+                const uint8_t got = pic.data[y * pic.width + x];
+                if (x < w) EXPECT_EQ(got, 'Y' + 10 * y) << name << " at " << x << "," << y;
+                else if (y >= ch) EXPECT_EQ(got, 0) << name << " at " << x << "," << y;
+                else EXPECT_EQ(got, (x < w + cw ? 'U' : 'V') + 10 * y) << name << " at " << x << "," << y;
+            }
+    }
+    const Image rgb = solid(formatOrThrow("bgra"), 3, 2, {1, 2, 3, 4});
+    const Picture shown = showPicture(rgb);
+    EXPECT_EQ(shown.channels, 3);
+    EXPECT_EQ(shown.data, std::vector<uint8_t>({1, 2, 3, 1, 2, 3, 1, 2, 3, 1, 2, 3, 1, 2, 3, 1, 2, 3}));
 }
