@@ -1,0 +1,321 @@
+// krocc demo: one picture through every conversion of the library and back,
+// with speed, error figures and an index page of the results.
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <chrono>
+#include <climits>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+#include "commands.h"
+#include "io.h"
+#include "ops.h"
+
+namespace kt {
+
+extern const unsigned char kroccDemoPng[];
+extern const std::size_t kroccDemoPngSize;
+
+namespace {
+
+void makeDirs(const std::string& dir) {
+    for (std::size_t at = 1; at <= dir.size(); ++at) {
+        if (at < dir.size() && dir[at] != '/') continue;
+        const std::string part = dir.substr(0, at);
+        if (mkdir(part.c_str(), 0777) != 0 && errno != EEXIST)
+            throw Error("cannot make directory " + part + ": " + std::strerror(errno));
+    }
+    struct stat st;
+    if (stat(dir.c_str(), &st) != 0 || !S_ISDIR(st.st_mode)) throw Error(dir + " is not a directory");
+}
+
+// A conversion there and, where the library has one, back.
+struct Trip {
+    const Conversion* there = nullptr;
+    const Conversion* back = nullptr;
+};
+
+bool isRgb(const Format& f) { return f.family == Family::Rgb; }
+
+std::vector<Trip> planTrips(std::vector<const Conversion*>& skipped) {
+    const std::vector<Conversion>& ops = conversions();
+    std::vector<Trip> trips;
+    std::vector<bool> used(ops.size(), false);
+    auto index = [&](const Conversion* c) { return static_cast<std::size_t>(c - ops.data()); };
+    // Each conversion from RGB, with the best way back: same layout in, same
+    // layout out, one not yet shown.
+    for (const Conversion& f : ops) {
+        if (!isRgb(f.fromFormat()) || isRgb(f.toFormat())) continue;
+        const Conversion* best = nullptr;
+        int bestScore = -1;
+        for (const Conversion& b : ops) {
+            if (std::strcmp(b.model, f.model) != 0 || !isRgb(b.toFormat()) || isRgb(b.fromFormat())) continue;
+            if (!canRepack(f.toFormat(), b.fromFormat())) continue;
+            const int score = (&b.fromFormat() == &f.toFormat()) * 4 + (&b.toFormat() == &f.fromFormat()) * 2 +
+                              !used[index(&b)];
+            if (score > bestScore) {
+                best = &b;
+                bestScore = score;
+            }
+        }
+        used[index(&f)] = true;
+        if (best) used[index(best)] = true;
+        trips.push_back({&f, best});
+    }
+    // Conversions back to RGB not shown yet, behind a conversion there.
+    for (const Conversion& b : ops) {
+        if (used[index(&b)] || isRgb(b.fromFormat()) || !isRgb(b.toFormat())) continue;
+        const Conversion* best = nullptr;
+        int bestScore = -1;
+        for (const Conversion& f : ops) {
+            if (std::strcmp(b.model, f.model) != 0 || !isRgb(f.fromFormat()) || isRgb(f.toFormat())) continue;
+            if (!canRepack(f.toFormat(), b.fromFormat())) continue;
+            const int score = (&b.fromFormat() == &f.toFormat()) * 4 + (&b.toFormat() == &f.fromFormat()) * 2;
+            if (score > bestScore) {
+                best = &f;
+                bestScore = score;
+            }
+        }
+        used[index(&b)] = true;
+        if (best) trips.push_back({best, &b});
+        else skipped.push_back(&b);
+    }
+    // Anything else that starts from RGB runs one way.
+    for (const Conversion& c : ops) {
+        if (used[index(&c)]) continue;
+        if (isRgb(c.fromFormat())) trips.push_back({&c, nullptr});
+        else skipped.push_back(&c);
+    }
+    return trips;
+}
+
+Image runChecked(const Conversion& op, const Image& in) {
+    KroStatus st;
+    Image out = runOp(op, in, &st);
+    if (st < 0) throw Error(std::string(op.name) + " failed with " + statusText(st));
+    return out;
+}
+
+// Best time of one call, in seconds, over enough calls to fill about 20 ms.
+double timeOp(const Conversion& op, const Image& in, Image& out) {
+    using Clock = std::chrono::steady_clock;
+    double best = 1e30, total = 0;
+    for (int run = 0; run < 400 && (run < 3 || total < 0.02); ++run) {
+        const auto t0 = Clock::now();
+        op.call(in, out);
+        const double t = std::chrono::duration<double>(Clock::now() - t0).count();
+        best = std::min(best, t);
+        total += t;
+    }
+    return best;
+}
+
+// The top left w x h pixels of a full-resolution image.
+Image cropped(const Image& img, int w, int h) {
+    if (w == img.width && h == img.height) return img;
+    Channels ch = unpack(img);
+    for (auto& c : ch.c) {
+        for (int y = 0; y < h; ++y)
+            std::memmove(&c[static_cast<std::size_t>(y) * w], &c[static_cast<std::size_t>(y) * ch.width], static_cast<std::size_t>(w));
+        c.resize(static_cast<std::size_t>(w) * h);
+    }
+    ch.width = w;
+    ch.height = h;
+    return pack(ch, *img.fmt);
+}
+
+struct Error3 {
+    double psnr = 0;  // +inf for identical pictures
+    int largest = 0;
+};
+
+// Compares R, G, B of a round trip with the source; draws the difference
+// as 128 + 32 x (result - source) per channel.
+Error3 compare(const Channels& src, const Channels& got, Picture& diff) {
+    const std::size_t n = static_cast<std::size_t>(src.width) * src.height;
+    diff.width = src.width;
+    diff.height = src.height;
+    diff.channels = 3;
+    diff.data.resize(n * 3);
+    double sq = 0;
+    Error3 e;
+    for (int c = 0; c < 3; ++c)
+        for (std::size_t i = 0; i < n; ++i) {
+            const int d = got.c[c][i] - src.c[c][i];
+            sq += static_cast<double>(d) * d;
+            e.largest = std::max(e.largest, std::abs(d));
+            diff.data[i * 3 + c] = static_cast<uint8_t>(std::clamp(128 + 32 * d, 0, 255));
+        }
+    const double mse = sq / (3.0 * static_cast<double>(n));
+    e.psnr = mse == 0 ? INFINITY : 10.0 * std::log10(255.0 * 255.0 / mse);
+    return e;
+}
+
+std::string fixed(double v, int decimals) {
+    char buf[64];
+    std::snprintf(buf, sizeof buf, "%.*f", decimals, v);
+    return buf;
+}
+
+std::string html(const std::string& s) {
+    std::string r;
+    for (char c : s) {
+        if (c == '<') r += "&lt;";
+        else if (c == '>') r += "&gt;";
+        else if (c == '&') r += "&amp;";
+        else if (c == '"') r += "&quot;";
+        else r += c;
+    }
+    return r;
+}
+
+struct Shown {
+    Trip trip;
+    std::string midFile, backFile, diffFile, midNote;
+    double thereMps = 0, backMps = 0;
+    Error3 err;
+};
+
+void writeIndex(const std::string& path, const std::string& imageName, int w, int h, const std::vector<Shown>& rows,
+                const std::vector<const Conversion*>& skipped) {
+    const KroLibraryVersion* v = kroccGetLibVersion();
+    std::string s;
+    s += "<!DOCTYPE html>\n<html><head><meta charset=\"utf-8\"><title>krocc demo</title>\n"
+         "<style>body{font-family:sans-serif;margin:1.5em}figure{display:inline-block;margin:0 .6em .6em 0;"
+         "vertical-align:top}figcaption{font-size:small;max-width:460px}img{image-rendering:pixelated;"
+         "max-width:100%;border:1px solid #ccc}td,th{padding:0 .6em;text-align:right}"
+         "td:first-child,th:first-child{text-align:left}h2{font-size:1.05em;margin-top:1.4em}</style>\n"
+         "</head><body>\n";
+    s += "<h1>krocc demo</h1>\n<p>" + html(imageName) + ", " + std::to_string(w) + " x " + std::to_string(h) +
+         " pixels, through every conversion of " + html(v->displayName) + " " + html(v->versionText) +
+         " and back.</p>\n";
+    s += "<p>Pictures in YUV and other non-RGB models are shown as one <b>grey</b> picture of their three planes "
+         "side by side (Y, U, V from left to right). Alpha is not shown. A difference picture shows "
+         "128 + 32 &times; (round trip &minus; source) for each of R, G and B, limited to 0 to 255: "
+         "mid-grey is no difference, and one step of error is a clear tint. Speeds are the best of repeated "
+         "calls on this picture, on one thread, with the data in cache.</p>\n";
+    s += "<table><tr><th>conversion</th><th>Mpixel/s</th><th>back</th><th>Mpixel/s</th><th>PSNR dB</th>"
+         "<th>largest error</th></tr>\n";
+    for (const Shown& r : rows) {
+        s += "<tr><td>" + std::string(r.trip.there->name) + "</td><td>" + fixed(r.thereMps, 0) + "</td><td>";
+        if (r.trip.back) {
+            s += std::string(r.trip.back->name) + "</td><td>" + fixed(r.backMps, 0) + "</td><td>" +
+                 (std::isinf(r.err.psnr) ? std::string("identical") : fixed(r.err.psnr, 2)) + "</td><td>" +
+                 std::to_string(r.err.largest) + "</td></tr>\n";
+        } else {
+            s += "&ndash;</td><td></td><td></td><td></td></tr>\n";
+        }
+    }
+    s += "</table>\n<h2>Source</h2>\n<figure><img src=\"source.png\" alt=\"source\"><figcaption>source.png</figcaption></figure>\n";
+    for (const Shown& r : rows) {
+        s += "<h2>" + std::string(r.trip.there->name) + (r.trip.back ? std::string(" and ") + r.trip.back->name : "") +
+             "</h2>\n";
+        s += "<figure><img src=\"" + r.midFile + "\" alt=\"" + r.trip.there->to + "\"><figcaption>" +
+             r.trip.there->name + ": " + r.trip.there->from + " to " + r.trip.there->to + " (model " +
+             r.trip.there->model + "); " + html(r.midNote) + "</figcaption></figure>\n";
+        if (r.trip.back) {
+            s += "<figure><img src=\"" + r.backFile + "\" alt=\"round trip\"><figcaption>" + r.trip.back->name +
+                 ": back to " + r.trip.back->to + "</figcaption></figure>\n";
+            s += "<figure><img src=\"" + r.diffFile + "\" alt=\"difference\"><figcaption>difference &times;32, largest " +
+                 std::to_string(r.err.largest) + "</figcaption></figure>\n";
+        }
+    }
+    if (!skipped.empty()) {
+        s += "<h2>Not shown</h2>\n<p>No picture of the source leads to these operations' input:";
+        for (const Conversion* c : skipped) s += std::string(" ") + c->name;
+        s += ".</p>\n";
+    }
+    s += "</body></html>\n";
+    OutFile f(path);
+    f.write(s.data(), s.size());
+    f.commit();
+}
+
+}  // namespace
+
+int runDemo(const Args& args) {
+    std::string outDir = "krocc-demo", input;
+    for (std::size_t i = 0; i < args.size(); ++i) {
+        if (takeOption(args, i, "--out", "-o", outDir)) continue;
+        if (args[i].size() > 1 && args[i][0] == '-') throw UsageError("unknown option '" + args[i] + "' for demo (krocc help)");
+        if (!input.empty()) throw UsageError("demo takes at most one picture");
+        input = args[i];
+    }
+    if (outDir.empty()) throw UsageError("--out needs a directory");
+    while (outDir.size() > 1 && outDir.back() == '/') outDir.pop_back();
+
+    const Picture pic = input.empty() ? decodePng(kroccDemoPng, kroccDemoPngSize, "the built-in picture")
+                                      : readPicture(input);
+    if (pic.channels < 3) throw Error(input + " is grey; the demo needs a colour picture");
+    const std::string imageName = input.empty() ? "chelsea.png (built in)" : input.substr(input.find_last_of('/') + 1);
+    const Format& rgb = formatOrThrow("rgb24");
+    const Image source = fromPicture(pic, rgb);
+
+    makeDirs(outDir);
+    writePng(outDir + "/source.png", showPicture(source));
+
+    std::vector<const Conversion*> skipped;
+    const std::vector<Trip> trips = planTrips(skipped);
+    std::vector<Shown> rows;
+
+    std::printf("%s, %d x %d\n", imageName.c_str(), source.width, source.height);
+    std::printf("%-26s %9s  %-26s %9s %9s %8s\n", "conversion", "Mpixel/s", "back", "Mpixel/s", "PSNR dB", "largest");
+    int number = 0;
+    for (const Trip& t : trips) {
+        Shown r;
+        r.trip = t;
+        char prefix[16];
+        std::snprintf(prefix, sizeof prefix, "%02d-", ++number);
+        // Subsampled formats take whole chroma blocks: crop the picture to fit.
+        int bw = std::max(t.there->fromFormat().blockWidth(), t.there->toFormat().blockWidth());
+        int bh = std::max(t.there->fromFormat().blockHeight(), t.there->toFormat().blockHeight());
+        if (t.back) {
+            bw = std::max({bw, t.back->fromFormat().blockWidth(), t.back->toFormat().blockWidth()});
+            bh = std::max({bh, t.back->fromFormat().blockHeight(), t.back->toFormat().blockHeight()});
+        }
+        const Image fitted = cropped(source, source.width / bw * bw, source.height / bh * bh);
+        const double mpix = static_cast<double>(fitted.width) * fitted.height / 1e6;
+        const Image in = repack(fitted, t.there->fromFormat());
+        Image mid = runChecked(*t.there, in);
+        r.thereMps = mpix / timeOp(*t.there, in, mid);
+        r.midFile = prefix + std::string(t.there->name + 4) + ".png";
+        writePng(outDir + "/" + r.midFile, showPicture(mid));
+        r.midNote = mid.fmt->family == Family::Rgb ? "shown in colour" : "planes shown in grey side by side";
+        std::string line;
+        char buf[256];
+        std::snprintf(buf, sizeof buf, "%-26s %9.0f  ", t.there->name, r.thereMps);
+        line = buf;
+        if (t.back) {
+            const Image backIn = repack(mid, t.back->fromFormat());
+            Image back = runChecked(*t.back, backIn);
+            r.backMps = mpix / timeOp(*t.back, backIn, back);
+            const Image backRgb = repack(back, rgb);
+            r.backFile = prefix + std::string(t.back->name + 4) + ".png";
+            writePng(outDir + "/" + r.backFile, showPicture(backRgb));
+            Picture diff;
+            r.err = compare(unpack(fitted), unpack(backRgb), diff);
+            r.diffFile = prefix + std::string("difference.png");
+            writePng(outDir + "/" + r.diffFile, diff);
+            const std::string psnr = std::isinf(r.err.psnr) ? "identical" : fixed(r.err.psnr, 2);
+            std::snprintf(buf, sizeof buf, "%-26s %9.0f %9s %8d", t.back->name, r.backMps, psnr.c_str(), r.err.largest);
+            line += buf;
+        } else {
+            line += "-";
+        }
+        std::printf("%s\n", line.c_str());
+        rows.push_back(std::move(r));
+    }
+    for (const Conversion* c : skipped) std::printf("%-26s not shown: no picture leads to its input\n", c->name);
+
+    const std::string index = outDir + "/index.html";
+    writeIndex(index, imageName, source.width, source.height, rows, skipped);
+    char real[PATH_MAX];
+    std::printf("%s\n", realpath(index.c_str(), real) ? real : index.c_str());
+    return 0;
+}
+
+}  // namespace kt
