@@ -86,6 +86,7 @@ struct I32x4 {
     friend I32x4 operator*(I32x4 a, I32x4 b) { return I32x4(_mm_mullo_epi32(a.v, b.v)); }
     friend I32x4 operator<<(I32x4 a, int n) { return I32x4(_mm_slli_epi32(a.v, n)); }
     friend I32x4 operator>>(I32x4 a, int n) { return I32x4(_mm_srai_epi32(a.v, n)); }
+    friend I32x4 operator&(I32x4 a, I32x4 b) { return I32x4(_mm_and_si128(a.v, b.v)); }
 };
 inline I32x4 clampU8(I32x4 x) {
     return I32x4(_mm_min_epi32(_mm_max_epi32(x.v, _mm_setzero_si128()), _mm_set1_epi32(255)));

@@ -87,7 +87,7 @@ KroStatus impl_kroiYCbCrToRGB_8u_C3R(const Kro8u* pSrc, int srcStep, Kro8u* pDst
 KroStatus impl_kroiYCbCrToRGB_8u_AC4R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize) {
     if (anyNull(pSrc, pDst)) return kroStatusNullPointer;
     if (badSize(roiSize)) return kroStatusBadSize;
-    Kernel8<0, 0, void, Inv1>::region(Rgb4{pSrc, srcStep}, Out4Keep{pDst, dstStep}, roiSize);
+    Kernel8<16, 4, Inv1, Inv1>::region(Rgb4{pSrc, srcStep}, Out4Keep{pDst, dstStep}, roiSize);
     return kroStatusOk;
 }
 

@@ -37,15 +37,6 @@ constexpr int COffset14 = 8194;  // 128 x 64 + 2
 
 // ------------------------------------------------------------ small vector helpers
 namespace detail {
-// eight 16-bit lanes to two vectors of four 32-bit lanes (sign-extended)
-inline void widen32(V x, V& lo, V& hi) {
-    lo = _mm_cvtepi16_epi32(x);
-    hi = _mm_cvtepi16_epi32(_mm_srli_si128(x, 8));
-}
-inline V mul32(V x, int c) { return _mm_mullo_epi32(x, _mm_set1_epi32(c)); }
-// two vectors of 32-bit results (already in 16-bit range) back to eight lanes
-inline V narrow(V lo, V hi) { return _mm_packs_epi32(lo, hi); }
-
 // One body for both versions of a form: a constant in the lane type, shifts
 // and plain 16-bit sums with the same names on ints and on vectors.
 template <class T>
@@ -70,36 +61,24 @@ inline V sub16(V a, V b) { return _mm_sub_epi16(a, b); }
 // Form 1: 16 fractional bits, offsets and rounding halves in one constant; the
 // low 8 bits of each shifted sum are the result (Y 16..235, Cb, Cr 16..240).
 struct Fwd1 {
-    static int sum(int r, int g, int b, int kr, int kg, int kb, int offset) {
+    template <class T>
+    static T sum(T r, T g, T b, int kr, int kg, int kb, int offset) {
         return ((kr * r + kg * g + kb * b + offset) >> 16) & 255;
     }
-    static int luma(int r, int g, int b) { return sum(r, g, b, k::YR16, k::YG16, k::YB16, k::YOffset16); }
-    static int cb(int r, int g, int b) { return sum(r, g, b, -k::CbR16, -k::CbG16, k::CbB16, k::COffset16); }
-    static int cr(int r, int g, int b) { return sum(r, g, b, k::CrR16, -k::CrG16, -k::CrB16, k::COffset16); }
-    static void apply(int r, int g, int b, int& y, int& u, int& v) {
+    template <class T>
+    static T luma(T r, T g, T b) { return sum(r, g, b, k::YR16, k::YG16, k::YB16, k::YOffset16); }
+    template <class T>
+    static T cb(T r, T g, T b) { return sum(r, g, b, -k::CbR16, -k::CbG16, k::CbB16, k::COffset16); }
+    template <class T>
+    static T cr(T r, T g, T b) { return sum(r, g, b, k::CrR16, -k::CrG16, -k::CrB16, k::COffset16); }
+    template <class T>
+    static void apply(T r, T g, T b, T& y, T& u, T& v) {
         y = luma(r, g, b);
         u = cb(r, g, b);
         v = cr(r, g, b);
     }
-
-    // vector: the same sums in 32-bit lanes
-    static V sum32(V r, V g, V b, int kr, int kg, int kb, int offset) {
-        using namespace detail;
-        const V s = _mm_add_epi32(_mm_add_epi32(mul32(r, kr), mul32(g, kg)), mul32(b, kb));
-        return _mm_and_si128(_mm_srai_epi32(_mm_add_epi32(s, _mm_set1_epi32(offset)), 16), _mm_set1_epi32(255));
-    }
-    static V lanes(const V (&in)[3], int kr, int kg, int kb, int offset) {
-        V rl, rh, gl, gh, bl, bh;
-        detail::widen32(in[0], rl, rh);
-        detail::widen32(in[1], gl, gh);
-        detail::widen32(in[2], bl, bh);
-        return detail::narrow(sum32(rl, gl, bl, kr, kg, kb, offset), sum32(rh, gh, bh, kr, kg, kb, offset));
-    }
-    static void apply(const V (&in)[3], V (&out)[3]) {
-        out[0] = lanes(in, k::YR16, k::YG16, k::YB16, k::YOffset16);
-        out[1] = lanes(in, -k::CbR16, -k::CbG16, k::CbB16, k::COffset16);
-        out[2] = lanes(in, k::CrR16, -k::CrG16, -k::CrB16, k::COffset16);
-    }
+    // vector: the same sums in 32-bit lanes, four pixels at a time
+    static void apply(const V (&in)[3], V (&out)[3]) { Lanes32<Fwd1>::apply(in, out); }
 };
 
 // Form 2: 14-bit weights on samples << 7, each product rounded by itself
@@ -189,32 +168,15 @@ struct Fwd3 {
 // last place of the weights and in the rounding term.
 template <int KY, int KRV, int KGU, int KGV, int KBU, int Round>
 struct Inv32 {
-    static void apply(int yy, int cb, int cr, int& r, int& g, int& b) {
-        const int y = KY * (yy - 16), u = cb - 128, v = cr - 128;
+    template <class T>
+    static void apply(T yy, T cb, T cr, T& r, T& g, T& b) {
+        const T y = KY * (yy - 16), u = cb - 128, v = cr - 128;
         r = clampU8((y + KRV * v + Round) >> 16);
         g = clampU8((y - KGU * u - KGV * v + Round) >> 16);
         b = clampU8((y + KBU * u + Round) >> 16);
     }
-
     // vector: the same sums in 32-bit lanes, four pixels at a time
-    static void half(V y0, V u, V v, V (&o)[3]) {
-        using detail::mul32;
-        const V rnd = _mm_set1_epi32(Round);
-        const V y = _mm_add_epi32(mul32(y0, KY), rnd);
-        o[0] = _mm_srai_epi32(_mm_add_epi32(y, mul32(v, KRV)), 16);
-        o[1] = _mm_srai_epi32(_mm_sub_epi32(_mm_sub_epi32(y, mul32(u, KGU)), mul32(v, KGV)), 16);
-        o[2] = _mm_srai_epi32(_mm_add_epi32(y, mul32(u, KBU)), 16);
-    }
-    static void apply(const V (&in)[3], V (&out)[3]) {
-        V yl, yh, ul, uh, vl, vh;
-        detail::widen32(_mm_sub_epi16(in[0], splat16(16)), yl, yh);
-        detail::widen32(_mm_sub_epi16(in[1], splat16(128)), ul, uh);
-        detail::widen32(_mm_sub_epi16(in[2], splat16(128)), vl, vh);
-        V lo[3], hi[3];
-        half(yl, ul, vl, lo);
-        half(yh, uh, vh, hi);
-        for (int c = 0; c < 3; ++c) out[c] = detail::narrow(lo[c], hi[c]);  // |sums| >> 16 stay below 600
-    }
+    static void apply(const V (&in)[3], V (&out)[3]) { Lanes32<Inv32>::apply(in, out); }
 };
 
 // 1.164, 1.596, 0.392, 0.813, 2.017 x 65536 (form 1 without rounding; form 3

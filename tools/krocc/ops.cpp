@@ -9,6 +9,9 @@ const std::vector<Model>& models() {
     static const std::vector<Model> table = {
         {"analog", "YUV of analogue video: Y = 0.299 R + 0.587 G + 0.114 B, U = 0.492 (B - Y), "
                    "V = 0.877 (R - Y), full range, chroma centred on 128"},
+        {"bt601", "YCbCr of BT.601, studio range: Y 16..235, Cb and Cr 16..240 centred on 128"},
+        {"bt709", "YCbCr of BT.709, studio range (the library decodes it; encoding at full resolution is BT.601 only)"},
+        {"photoycc", "photographic YCC: Y = 0.7132668 Y0, chroma offset to 156 and 137"},
     };
     return table;
 }
@@ -44,6 +47,7 @@ using PackedToPackedFill = KroStatus (*)(const Kro8u*, int, Kro8u*, int, kroiSiz
 using PackedToPlanes = KroStatus (*)(const Kro8u*, int, Kro8u* const*, int, kroiSize);
 using PlanesToPacked = KroStatus (*)(const Kro8u* const*, int, Kro8u*, int, kroiSize);
 using PlanesToPlanes = KroStatus (*)(const Kro8u* const*, int, Kro8u* const*, int, kroiSize);
+using PlanesToPackedFill = KroStatus (*)(const Kro8u* const*, int, Kro8u*, int, kroiSize, Kro8u);
 
 Call adapt(PackedToPacked f) {
     return [f](const Image& s, Image& d) { return f(s.data(0), s.step[0], d.data(0), d.step[0], s.roi()); };
@@ -62,6 +66,12 @@ Call adapt(PlanesToPacked f) {
     return [f](const Image& s, Image& d) {
         CPlanes p = planesOf(s);
         return f(p.data(), s.step[0], d.data(0), d.step[0], s.roi());
+    };
+}
+Call adapt(PlanesToPackedFill f) {
+    return [f](const Image& s, Image& d) {
+        CPlanes p = planesOf(s);
+        return f(p.data(), s.step[0], d.data(0), d.step[0], s.roi(), 255);
     };
 }
 Call adapt(PlanesToPlanes f) {
@@ -98,6 +108,26 @@ const std::vector<Conversion>& conversions() {
         KROCC_OP(kroiYUVToRGB_8u_C3C4R, "yuv24", "rgba", "analog"),
         KROCC_OP(kroiYUVToRGB_8u_P3C3R, "yuv444p", "rgb24", "analog"),
         KROCC_OP(kroiYUVToRGB_8u_P3R, "yuv444p", "gbrp", "analog"),
+        // RGB/BGR <-> YCbCr, BT.601 studio range (and the BT.709 decoders)
+        KROCC_OP(kroiRGBToYCbCr_8u_C3R, "rgb24", "yuv24", "bt601"),
+        KROCC_OP(kroiRGBToYCbCr_8u_C3P3R, "rgb24", "yuv444p", "bt601"),
+        KROCC_OP(kroiRGBToYCbCr_8u_P3R, "gbrp", "yuv444p", "bt601"),
+        KROCC_OP(kroiRGBToYCbCr_8u_AC4P3R, "rgba", "yuv444p", "bt601"),
+        KROCC_OP(kroiRGBToYCbCr_8u_AC4R, "rgba", "yuva32", "bt601"),
+        KROCC_OP(kroiYCbCrToRGB_8u_C3R, "yuv24", "rgb24", "bt601"),
+        KROCC_OP(kroiYCbCrToRGB_8u_AC4R, "yuva32", "rgba", "bt601"),
+        KROCC_OP(kroiYCbCrToRGB_8u_P3C3R, "yuv444p", "rgb24", "bt601"),
+        KROCC_OP(kroiYCbCrToBGR_8u_P3C3R, "yuv444p", "bgr24", "bt601"),
+        KROCC_OP(kroiYCbCrToRGB_8u_P3C4R, "yuv444p", "rgba", "bt601"),
+        KROCC_OP(kroiYCbCrToBGR_8u_P3C4R, "yuv444p", "bgra", "bt601"),
+        KROCC_OP(kroiYCbCrToRGB_8u_P3R, "yuv444p", "gbrp", "bt601"),
+        KROCC_OP(kroiYCbCrToBGR_709CSC_8u_P3C3R, "yuv444p", "bgr24", "bt709"),
+        KROCC_OP(kroiYCbCrToBGR_709CSC_8u_P3C4R, "yuv444p", "bgra", "bt709"),
+        // RGB <-> photographic YCC
+        KROCC_OP(kroiRGBToYCC_8u_C3R, "rgb24", "yuv24", "photoycc"),
+        KROCC_OP(kroiRGBToYCC_8u_AC4R, "rgba", "yuva32", "photoycc"),
+        KROCC_OP(kroiYCCToRGB_8u_C3R, "yuv24", "rgb24", "photoycc"),
+        KROCC_OP(kroiYCCToRGB_8u_AC4R, "yuva32", "rgba", "photoycc"),
     };
     return table;
 }
