@@ -115,6 +115,24 @@ KroStatus kroiYUVToRGB_8u_P3R(const Kro8u* const pSrc[3], int srcStep, Kro8u* co
 /* ------------------------------------------------------------ RGB/BGR <-> YCbCr (8u) */
 
 /* ------------------------------------------------------------ RGB <-> XYZ */
+/* Linear RGB (BT.709 primaries, D65) to CIE XYZ and back. AC4: the fourth sample of a source
+   pixel is never read and that of a destination pixel keeps its value. */
+KroStatus kroiRGBToXYZ_8u_C3R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiRGBToXYZ_8u_AC4R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiRGBToXYZ_16u_C3R(const Kro16u* pSrc, int srcStep, Kro16u* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiRGBToXYZ_16u_AC4R(const Kro16u* pSrc, int srcStep, Kro16u* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiRGBToXYZ_16s_C3R(const Kro16s* pSrc, int srcStep, Kro16s* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiRGBToXYZ_16s_AC4R(const Kro16s* pSrc, int srcStep, Kro16s* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiRGBToXYZ_32f_C3R(const Kro32f* pSrc, int srcStep, Kro32f* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiRGBToXYZ_32f_AC4R(const Kro32f* pSrc, int srcStep, Kro32f* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiXYZToRGB_8u_C3R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiXYZToRGB_8u_AC4R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiXYZToRGB_16u_C3R(const Kro16u* pSrc, int srcStep, Kro16u* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiXYZToRGB_16u_AC4R(const Kro16u* pSrc, int srcStep, Kro16u* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiXYZToRGB_16s_C3R(const Kro16s* pSrc, int srcStep, Kro16s* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiXYZToRGB_16s_AC4R(const Kro16s* pSrc, int srcStep, Kro16s* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiXYZToRGB_32f_C3R(const Kro32f* pSrc, int srcStep, Kro32f* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiXYZToRGB_32f_AC4R(const Kro32f* pSrc, int srcStep, Kro32f* pDst, int dstStep, kroiSize roiSize);
 
 /* ------------------------------------------------------------ grey */
 /* Fixed weights 0.299, 0.587, 0.114 on samples 0, 1, 2 of each pixel, to one grey plane.
