@@ -9,6 +9,7 @@
 //   static constexpr Lanes lanes;    what the vector step works on:
 //     Lanes::Float    loadFloats<4> -> vec(const VF (&)[3], VF or V (&)[K])
 //     Lanes::Int16    loadLanes<N, 2> -> vec(const V (&)[3], V (&)[K])
+//     Lanes::Int16High  loadLanesHigh<N, 2>: samples in the high bytes
 //     Lanes::Int32    loadLanes<N, 4> -> vec(const V (&)[3], V (&)[K])
 //   static constexpr bool floatOut;  float results, or integer lanes (of
 //                                   Lanes::Int16 width when the input is Int16,
@@ -27,7 +28,7 @@
 
 namespace kro {
 
-enum class Lanes { Float, Int16, Int32 };
+enum class Lanes { Float, Int16, Int16High, Int32 };
 
 // Result vectors of a form: float lanes or integer lanes.
 template <bool FloatOut>
@@ -51,16 +52,19 @@ struct KernelT {
             VF in[3];
             s.template loadFloats<N>(x, in);
             f.vec(in, o);
-        } else {
-            constexpr int L = Form::lanes == Lanes::Int16 ? 2 : 4;
+        } else if constexpr (Form::lanes == Lanes::Int16High) {
             V in[3];
-            s.template loadLanes<N, L>(x, in);
+            s.template loadLanesHigh<N, 2>(x, in);
+            f.vec(in, o);
+        } else {
+            V in[3];
+            s.template loadLanes<N, Form::lanes == Lanes::Int16 ? 2 : 4>(x, in);
             f.vec(in, o);
         }
         if constexpr (Form::floatOut)
             d.template storeFloats<N>(x, o);
         else
-            d.template storeLanes<N, Form::lanes == Lanes::Int16 ? 2 : 4>(x, o);
+            d.template storeLanes<N, Form::lanes == Lanes::Int16 || Form::lanes == Lanes::Int16High ? 2 : 4>(x, o);
     }
 
     template <class SRow, class DRow>

@@ -13,6 +13,8 @@
 // keep bytes pass `StepIn::Bytes`). row(y) gives a row view with:
 //   loadLanes<N, L>(x, V (&c)[3])   channels 0..2 of pixels x..x+N-1, integer
 //                                   lanes, zero- or sign-extended by type
+//   loadLanesHigh<N, L>(x, V (&c)[3])  the same, each sample in the lane's high
+//                                   bytes (an 8u sample in 16 bits: sample << 8)
 //   loadFloats<N>(x, VF (&c)[3])    the same as float lanes (N = 4)
 //   get(x, int (&s)[3]) / get(x, float (&s)[3])
 // and for destinations
@@ -177,6 +179,14 @@ struct SrcCT {
         // Integer lanes of L bytes: samples zero-extended, or sign-extended for signed types.
         template <int N, int L>
         void loadLanes(int x, V (&c)[3]) const {
+            loadLanesHigh<N, L>(x, c);
+            for (int ch = 0; ch < (Cn < 3 ? Cn : 3); ++ch) c[ch] = extend<L>(c[ch]);
+        }
+
+        // Integer lanes of L bytes with each sample in the lane's high S bytes and
+        // zeros below (an 8u sample in a 16-bit lane comes out as sample << 8).
+        template <int N, int L>
+        void loadLanesHigh(int x, V (&c)[3]) const {
             static_assert(!Sample<T>::isFloat && N * L <= 16 && L >= S, "integer samples in wider lanes");
             constexpr int bytes = Cn * S * N;
             V in[vectorsFor(bytes)];
@@ -186,7 +196,7 @@ struct SrcCT {
                 V acc = _mm_shuffle_epi8(in[0], loadMask(t.m[0][ch]));
                 for (int v = 1; v < t.inVecs; ++v)
                     acc = _mm_or_si128(acc, _mm_shuffle_epi8(in[v], loadMask(t.m[v][ch])));
-                c[ch] = extend<L>(acc);
+                c[ch] = acc;
             }
         }
 

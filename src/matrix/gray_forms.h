@@ -34,7 +34,7 @@ inline uint16_t weight8(float w) {
 // Tail: (c0 R + c1 G + c2 B + 16384) >> 15 in 32 bits, low 8 bits stored.
 struct Weighted8 {
     static constexpr int N = 8, K = 1;
-    static constexpr Lanes lanes = Lanes::Int16;
+    static constexpr Lanes lanes = Lanes::Int16High;  // samples arrive as sample << 8
     static constexpr bool floatOut = false;
     using VOut = V;
     using SIn = int;
@@ -49,9 +49,9 @@ struct Weighted8 {
         }
     }
     void vec(const V (&in)[3], V (&o)[1]) const {
-        V s = mulHighU16(cv[0], _mm_slli_epi16(in[0], 8));
-        s = addSatU16(s, mulHighU16(cv[1], _mm_slli_epi16(in[1], 8)));
-        s = addSatU16(s, mulHighU16(cv[2], _mm_slli_epi16(in[2], 8)));
+        V s = mulHighU16(cv[0], in[0]);
+        s = addSatU16(s, mulHighU16(cv[1], in[1]));
+        s = addSatU16(s, mulHighU16(cv[2], in[2]));
         s = addSatU16(s, splat16(64));
         o[0] = clampU8Lanes16(_mm_srai_epi16(s, 7));
     }
