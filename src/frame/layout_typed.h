@@ -134,22 +134,34 @@ template <int Cn, int K, int S, int L, int N>
 inline constexpr ScatterTable<Cn, K, S, L, N> kScatter = makeScatter<Cn, K, S, L, N>();
 
 // ------------------------------------------------------------ memory spans
-// A span of Bytes (a multiple of 8) as whole vectors and a final half vector.
+// A span of Bytes (a multiple of 4) as whole vectors and a final part of 4, 8
+// or 12 bytes; nothing beyond the span is read or written.
 template <int Bytes>
 inline void loadSpan(const void* p, V (&in)[vectorsFor(Bytes)]) {
-    static_assert(Bytes % 8 == 0, "spans are whole 8-byte halves");
+    static_assert(Bytes % 4 == 0, "spans are whole 4-byte words");
     const auto* q = static_cast<const uint8_t*>(p);
     int v = 0;
     for (; (v + 1) * 16 <= Bytes; ++v) in[v] = _mm_loadu_si128(reinterpret_cast<const V*>(q + 16 * v));
-    if constexpr (Bytes % 16 == 8) in[v] = _mm_loadl_epi64(reinterpret_cast<const V*>(q + 16 * v));
+    constexpr int rest = Bytes % 16;
+    if constexpr (rest >= 8) in[v] = _mm_loadl_epi64(reinterpret_cast<const V*>(q + 16 * v));
+    if constexpr (rest == 4 || rest == 12) {
+        int w;
+        std::memcpy(&w, q + 16 * v + rest - 4, 4);
+        in[v] = rest == 4 ? _mm_cvtsi32_si128(w) : _mm_insert_epi32(in[v], w, 2);
+    }
 }
 template <int Bytes>
 inline void storeSpan(void* p, const V (&out)[vectorsFor(Bytes)]) {
-    static_assert(Bytes % 8 == 0, "spans are whole 8-byte halves");
+    static_assert(Bytes % 4 == 0, "spans are whole 4-byte words");
     auto* q = static_cast<uint8_t*>(p);
     int v = 0;
     for (; (v + 1) * 16 <= Bytes; ++v) _mm_storeu_si128(reinterpret_cast<V*>(q + 16 * v), out[v]);
-    if constexpr (Bytes % 16 == 8) _mm_storel_epi64(reinterpret_cast<V*>(q + 16 * v), out[v]);
+    constexpr int rest = Bytes % 16;
+    if constexpr (rest >= 8) _mm_storel_epi64(reinterpret_cast<V*>(q + 16 * v), out[v]);
+    if constexpr (rest == 4 || rest == 12) {
+        const int w = rest == 4 ? _mm_cvtsi128_si32(out[v]) : _mm_extract_epi32(out[v], 2);
+        std::memcpy(q + 16 * v + rest - 4, &w, 4);
+    }
 }
 
 // Single samples by copy: a caller's address need not be aligned to the sample size.
