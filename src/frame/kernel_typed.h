@@ -22,6 +22,20 @@
 // itself, so "clamp" against "low bits kept" is visible in the form.
 //
 // Pixels 0 .. (width AND NOT (N - 1)) - 1 take the main path, the rest the tail.
+// A one-sample source (SrcCT<T, 1>) fills in[0] only.
+//
+// Building a family on these layers, e.g. a 16u conversion computed in floats:
+//   struct MyForm { N = 4, K = 3, lanes = Lanes::Float, floatOut = false,
+//                   SIn = float, SOut = int; vec() and one() side by side };
+//   entry:  null and size checks, then
+//           runRegion(MyForm{...}, SrcCT<Kro16u, 3>{pSrc, stepInSamples<Kro16u>(srcStep)},
+//                     DstCT<Kro16u, 4, Fourth::Keep>{pDst, stepInSamples<Kro16u>(dstStep)}, roi);
+// 8u data can run through float forms too (Lanes::Float on SrcCT<Kro8u, Cn>;
+// integer results stored from 32-bit lanes by their low byte), and 16s data
+// through 16-bit lanes (Lanes::Int16, sign-extended). Grey (matrix/gray_forms.h)
+// and XYZ (matrix/xyz_forms.h) are the worked examples; a kernel whose row
+// structure is its own (the 64f grey pairs) keeps the form object and writes
+// its own row loop beside it.
 #pragma once
 
 #include "frame/layout_typed.h"

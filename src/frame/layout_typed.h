@@ -8,9 +8,11 @@
 //   lane     its place in a vector: L = 2 or 4 bytes, pixel i in lane i
 //   block    N pixels moved by one vector step (N * L <= 16)
 //
-// A side holds a base address and a row step *in samples* (entries that turn
-// byte steps into samples do so themselves with an arithmetic shift; those that
-// keep bytes pass `StepIn::Bytes`). row(y) gives a row view with:
+// A side holds a base address and a row step *in samples*: entries turn byte
+// steps into samples themselves (stepInSamples, an arithmetic shift). For 8u
+// a sample is a byte; wider types whose operations keep byte steps (64f grey,
+// grey to colour) walk their rows by bytes in their own region drivers.
+// row(y) gives a row view with:
 //   loadLanes<N, L>(x, V (&c)[3])   channels 0..2 of pixels x..x+N-1, integer
 //                                   lanes, zero- or sign-extended by type
 //   loadLanesHigh<N, L>(x, V (&c)[3])  the same, each sample in the lane's high
