@@ -155,8 +155,64 @@ KroStatus kroiYCCToRGB_8u_AC4R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int 
 /* ------------------------------------------------------------ YCoCg */
 
 /* ------------------------------------------------------------ RGB <-> XYZ */
+/* Linear RGB (BT.709 primaries, D65) to CIE XYZ and back. AC4: the fourth sample of a source
+   pixel is never read and that of a destination pixel keeps its value. */
+KroStatus kroiRGBToXYZ_8u_C3R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiRGBToXYZ_8u_AC4R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiRGBToXYZ_16u_C3R(const Kro16u* pSrc, int srcStep, Kro16u* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiRGBToXYZ_16u_AC4R(const Kro16u* pSrc, int srcStep, Kro16u* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiRGBToXYZ_16s_C3R(const Kro16s* pSrc, int srcStep, Kro16s* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiRGBToXYZ_16s_AC4R(const Kro16s* pSrc, int srcStep, Kro16s* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiRGBToXYZ_32f_C3R(const Kro32f* pSrc, int srcStep, Kro32f* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiRGBToXYZ_32f_AC4R(const Kro32f* pSrc, int srcStep, Kro32f* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiXYZToRGB_8u_C3R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiXYZToRGB_8u_AC4R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiXYZToRGB_16u_C3R(const Kro16u* pSrc, int srcStep, Kro16u* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiXYZToRGB_16u_AC4R(const Kro16u* pSrc, int srcStep, Kro16u* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiXYZToRGB_16s_C3R(const Kro16s* pSrc, int srcStep, Kro16s* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiXYZToRGB_16s_AC4R(const Kro16s* pSrc, int srcStep, Kro16s* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiXYZToRGB_32f_C3R(const Kro32f* pSrc, int srcStep, Kro32f* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiXYZToRGB_32f_AC4R(const Kro32f* pSrc, int srcStep, Kro32f* pDst, int dstStep, kroiSize roiSize);
 
 /* ------------------------------------------------------------ grey */
+/* Fixed weights 0.299, 0.587, 0.114 on samples 0, 1, 2 of each pixel, to one grey plane.
+   AC4: the fourth sample is never read. */
+KroStatus kroiRGBToGray_8u_C3C1R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiRGBToGray_8u_AC4C1R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiRGBToGray_16u_C3C1R(const Kro16u* pSrc, int srcStep, Kro16u* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiRGBToGray_16u_AC4C1R(const Kro16u* pSrc, int srcStep, Kro16u* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiRGBToGray_16s_C3C1R(const Kro16s* pSrc, int srcStep, Kro16s* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiRGBToGray_16s_AC4C1R(const Kro16s* pSrc, int srcStep, Kro16s* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiRGBToGray_32f_C3C1R(const Kro32f* pSrc, int srcStep, Kro32f* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiRGBToGray_32f_AC4C1R(const Kro32f* pSrc, int srcStep, Kro32f* pDst, int dstStep, kroiSize roiSize);
+/* The caller's three weights (Kro32f, or Kro64f for 64f); a null pCoeffs selects the fixed weights. */
+KroStatus kroiColorToGray_8u_C3C1R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize,
+                                 const Kro32f* pCoeffs);
+KroStatus kroiColorToGray_8u_AC4C1R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize,
+                                 const Kro32f* pCoeffs);
+KroStatus kroiColorToGray_16u_C3C1R(const Kro16u* pSrc, int srcStep, Kro16u* pDst, int dstStep, kroiSize roiSize,
+                                 const Kro32f* pCoeffs);
+KroStatus kroiColorToGray_16u_AC4C1R(const Kro16u* pSrc, int srcStep, Kro16u* pDst, int dstStep, kroiSize roiSize,
+                                 const Kro32f* pCoeffs);
+KroStatus kroiColorToGray_16s_C3C1R(const Kro16s* pSrc, int srcStep, Kro16s* pDst, int dstStep, kroiSize roiSize,
+                                 const Kro32f* pCoeffs);
+KroStatus kroiColorToGray_16s_AC4C1R(const Kro16s* pSrc, int srcStep, Kro16s* pDst, int dstStep, kroiSize roiSize,
+                                 const Kro32f* pCoeffs);
+KroStatus kroiColorToGray_32f_C3C1R(const Kro32f* pSrc, int srcStep, Kro32f* pDst, int dstStep, kroiSize roiSize,
+                                 const Kro32f* pCoeffs);
+KroStatus kroiColorToGray_32f_AC4C1R(const Kro32f* pSrc, int srcStep, Kro32f* pDst, int dstStep, kroiSize roiSize,
+                                 const Kro32f* pCoeffs);
+KroStatus kroiColorToGray_64f_C3C1R(const Kro64f* pSrc, int srcStep, Kro64f* pDst, int dstStep, kroiSize roiSize,
+                                 const Kro64f* pCoeffs);
+KroStatus kroiColorToGray_64f_AC4C1R(const Kro64f* pSrc, int srcStep, Kro64f* pDst, int dstStep, kroiSize roiSize,
+                                 const Kro64f* pCoeffs);
+/* A grey plane copied into samples 0, 1, 2 of each pixel; C1C4R sets the fourth to aval. */
+KroStatus kroiGrayToRGB_8u_C1C3R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiGrayToRGB_8u_C1C4R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize, Kro8u aval);
+KroStatus kroiGrayToRGB_16u_C1C3R(const Kro16u* pSrc, int srcStep, Kro16u* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiGrayToRGB_16u_C1C4R(const Kro16u* pSrc, int srcStep, Kro16u* pDst, int dstStep, kroiSize roiSize, Kro16u aval);
+KroStatus kroiGrayToRGB_32f_C1C3R(const Kro32f* pSrc, int srcStep, Kro32f* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiGrayToRGB_32f_C1C4R(const Kro32f* pSrc, int srcStep, Kro32f* pDst, int dstStep, kroiSize roiSize, Kro32f aval);
 
 /* ------------------------------------------------------------ HLS */
 

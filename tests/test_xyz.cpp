@@ -1,0 +1,213 @@
+// RGB <-> XYZ: every operation against the independent reference at every
+// column and start offset, the check order, exhaustive sweeps of the 8u main
+// path and tail, extreme float values bit for bit, and the known values.
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "convt_test.h"
+#include "ref_xyz.h"
+
+using namespace kt;
+
+namespace {
+
+template <class T>
+RefFn xyzRef(bool toXyz) {
+    return [toXyz](const uint8_t* s, uint8_t* d, Path p) {
+        if constexpr (std::is_same_v<T, Kro8u>) {
+            const bool m = p == Main;
+            const ref::Tri o = toXyz ? (m ? ref::xyz8Main(s[0], s[1], s[2]) : ref::xyz8Tail(s[0], s[1], s[2]))
+                                     : (m ? ref::rgb8Main(s[0], s[1], s[2]) : ref::rgb8Tail(s[0], s[1], s[2]));
+            for (int k = 0; k < 3; ++k) d[k] = uint8_t(o[k]);
+        } else {
+            const float(&m)[3][3] = toXyz ? ref::kXyzF : ref::kRgbF;
+            const T in[3] = {getAt<T>(s, 0), getAt<T>(s, 1), getAt<T>(s, 2)};
+            if constexpr (std::is_same_v<T, Kro16u>) {
+                const auto o = ref::matrix16u(m, in);
+                for (int k = 0; k < 3; ++k) putAt<T>(d, k, o[size_t(k)]);
+            } else if constexpr (std::is_same_v<T, Kro16s>) {
+                const auto o = ref::matrix16s(m, in);
+                for (int k = 0; k < 3; ++k) putAt<T>(d, k, o[size_t(k)]);
+            } else {
+                const auto o = ref::matrix32f(m, toXyz, in);
+                for (int k = 0; k < 3; ++k) putAt<T>(d, k, o[size_t(k)]);
+            }
+        }
+    };
+}
+
+template <class T>
+TCall callOf(KroStatus (*f)(const T*, int, T*, int, kroiSize)) {
+    return [f](const void* s, int ss, void* d, int ds, kroiSize r) {
+        return f(static_cast<const T*>(s), ss, static_cast<T*>(d), ds, r);
+    };
+}
+
+template <class T>
+TCase xyzCase(const char* name, bool toXyz, int cn, KroStatus (*f)(const T*, int, T*, int, kroiSize)) {
+    constexpr int S = sizeof(T);
+    const int block = S == 1 ? (cn == 3 ? 8 : 4) : 4;
+    const int shift = S == 1 ? 0 : S == 2 ? 1 : 2;
+    FillFn fill = S == 1 ? FillFn(fill8u)
+                         : std::is_same_v<T, Kro16u> ? FillFn(fill16u)
+                                                     : std::is_same_v<T, Kro16s> ? FillFn(fill16s) : FillFn(fill32f);
+    return {name, S, cn, S, cn, shift, block, xyzRef<T>(toXyz), blockPath(block), fill, callOf<T>(f)};
+}
+
+const std::vector<TCase>& xyzCases() {
+    static const std::vector<TCase> cases = {
+        xyzCase<Kro8u>("kroiRGBToXYZ_8u_C3R", true, 3, kroiRGBToXYZ_8u_C3R),
+        xyzCase<Kro8u>("kroiRGBToXYZ_8u_AC4R", true, 4, kroiRGBToXYZ_8u_AC4R),
+        xyzCase<Kro16u>("kroiRGBToXYZ_16u_C3R", true, 3, kroiRGBToXYZ_16u_C3R),
+        xyzCase<Kro16u>("kroiRGBToXYZ_16u_AC4R", true, 4, kroiRGBToXYZ_16u_AC4R),
+        xyzCase<Kro16s>("kroiRGBToXYZ_16s_C3R", true, 3, kroiRGBToXYZ_16s_C3R),
+        xyzCase<Kro16s>("kroiRGBToXYZ_16s_AC4R", true, 4, kroiRGBToXYZ_16s_AC4R),
+        xyzCase<Kro32f>("kroiRGBToXYZ_32f_C3R", true, 3, kroiRGBToXYZ_32f_C3R),
+        xyzCase<Kro32f>("kroiRGBToXYZ_32f_AC4R", true, 4, kroiRGBToXYZ_32f_AC4R),
+        xyzCase<Kro8u>("kroiXYZToRGB_8u_C3R", false, 3, kroiXYZToRGB_8u_C3R),
+        xyzCase<Kro8u>("kroiXYZToRGB_8u_AC4R", false, 4, kroiXYZToRGB_8u_AC4R),
+        xyzCase<Kro16u>("kroiXYZToRGB_16u_C3R", false, 3, kroiXYZToRGB_16u_C3R),
+        xyzCase<Kro16u>("kroiXYZToRGB_16u_AC4R", false, 4, kroiXYZToRGB_16u_AC4R),
+        xyzCase<Kro16s>("kroiXYZToRGB_16s_C3R", false, 3, kroiXYZToRGB_16s_C3R),
+        xyzCase<Kro16s>("kroiXYZToRGB_16s_AC4R", false, 4, kroiXYZToRGB_16s_AC4R),
+        xyzCase<Kro32f>("kroiXYZToRGB_32f_C3R", false, 3, kroiXYZToRGB_32f_C3R),
+        xyzCase<Kro32f>("kroiXYZToRGB_32f_AC4R", false, 4, kroiXYZToRGB_32f_AC4R),
+    };
+    return cases;
+}
+
+class XyzOp : public ::testing::TestWithParam<int> {};
+
+TEST_P(XyzOp, MatchesReferenceAtEveryColumnAndOffset) { sweepT(xyzCases()[GetParam()]); }
+TEST_P(XyzOp, ChecksInOrderAndWritesNothingOnFailure) { checkStatusesT(xyzCases()[GetParam()]); }
+
+INSTANTIATE_TEST_SUITE_P(All, XyzOp, ::testing::Range(0, int(xyzCases().size())),
+                         [](const ::testing::TestParamInfo<int>& i) { return xyzCases()[i.param].name; });
+
+// ------------------------------------------------------------ exhaustive 8u
+// All 2^24 triples through the main path (C3 width 4096, AC4 width 4096) and
+// the tail (width 7 and 3); sampled under sanitizers.
+void sweep8(bool toXyz, int cn) {
+    auto f = toXyz ? (cn == 3 ? kroiRGBToXYZ_8u_C3R : kroiRGBToXYZ_8u_AC4R)
+                   : (cn == 3 ? kroiXYZToRGB_8u_C3R : kroiXYZToRGB_8u_AC4R);
+    for (bool mainPath : {true, false}) {
+        const int width = mainPath ? 4096 : (cn == 3 ? 7 : 3);
+        const int64_t total = KROCC_FULL_SWEEPS ? (int64_t(1) << 24) : (int64_t(1) << 17);
+        const int height = int((total + width - 1) / width);
+        const size_t n = size_t(width) * size_t(height);
+        std::vector<Kro8u> src(n * size_t(cn)), dst(n * size_t(cn), 0x5a);
+        for (size_t i = 0; i < n; ++i) {
+            const uint32_t t = KROCC_FULL_SWEEPS ? uint32_t(i) : uint32_t(i * 2654435761u);
+            src[i * size_t(cn)] = Kro8u(t >> 16), src[i * size_t(cn) + 1] = Kro8u(t >> 8), src[i * size_t(cn) + 2] = Kro8u(t);
+            if (cn == 4) src[i * 4 + 3] = Kro8u(t ^ 0x33);
+        }
+        ASSERT_EQ(f(src.data(), width * cn, dst.data(), width * cn, {width, height}), kroStatusOk);
+        int64_t bad = 0;
+        for (size_t i = 0; i < n; ++i) {
+            const Kro8u* s = &src[i * size_t(cn)];
+            const Kro8u* d = &dst[i * size_t(cn)];
+            const ref::Tri e = toXyz ? (mainPath ? ref::xyz8Main(s[0], s[1], s[2]) : ref::xyz8Tail(s[0], s[1], s[2]))
+                                     : (mainPath ? ref::rgb8Main(s[0], s[1], s[2]) : ref::rgb8Tail(s[0], s[1], s[2]));
+            const bool ok = d[0] == e[0] && d[1] == e[1] && d[2] == e[2] && (cn == 3 || d[3] == 0x5a);
+            if (!ok && bad++ < 3)
+                ADD_FAILURE() << (toXyz ? "to XYZ" : "to RGB") << (mainPath ? " main" : " tail") << " (" << int(s[0])
+                              << "," << int(s[1]) << "," << int(s[2]) << ") -> (" << int(d[0]) << "," << int(d[1])
+                              << "," << int(d[2]) << ") want (" << e[0] << "," << e[1] << "," << e[2] << ")";
+        }
+        EXPECT_EQ(bad, 0);
+    }
+}
+
+TEST(XyzExhaustive, ToXyz8uC3) { sweep8(true, 3); }
+TEST(XyzExhaustive, ToRgb8uC3) { sweep8(false, 3); }
+TEST(XyzExhaustive, ToXyz8uAC4) { sweep8(true, 4); }
+TEST(XyzExhaustive, ToRgb8uAC4) { sweep8(false, 4); }
+
+// ------------------------------------------------------------ known values
+template <class T>
+std::array<T, 3> at(KroStatus (*f)(const T*, int, T*, int, kroiSize), int x, int width, T a, T b, T c) {
+    std::vector<T> src(size_t(width) * 3), dst(size_t(width) * 3);
+    for (int i = 0; i < width; ++i) src[size_t(i) * 3] = a, src[size_t(i) * 3 + 1] = b, src[size_t(i) * 3 + 2] = c;
+    EXPECT_EQ(f(src.data(), 0, dst.data(), 0, {width, 1}), kroStatusOk);
+    return {dst[size_t(x) * 3], dst[size_t(x) * 3 + 1], dst[size_t(x) * 3 + 2]};
+}
+using A8 = std::array<Kro8u, 3>;
+
+TEST(XyzValues, WhiteDependsOnColumn8u) {
+    EXPECT_EQ(at<Kro8u>(kroiRGBToXYZ_8u_C3R, 0, 9, 255, 255, 255), (A8{242, 255, 255}));
+    EXPECT_EQ(at<Kro8u>(kroiRGBToXYZ_8u_C3R, 8, 9, 255, 255, 255), (A8{242, 254, 255}));
+}
+
+TEST(XyzValues, PrimariesInBothPaths8u) {
+    for (int x : {0, 8}) {
+        EXPECT_EQ(at<Kro8u>(kroiRGBToXYZ_8u_C3R, x, 9, 255, 0, 0), (A8{105, 54, 4}));
+        EXPECT_EQ(at<Kro8u>(kroiRGBToXYZ_8u_C3R, x, 9, 0, 0, 255), (A8{46, 18, 242}));
+    }
+}
+
+TEST(XyzValues, Inverse8u) {
+    for (int x : {0, 8}) {
+        EXPECT_EQ(at<Kro8u>(kroiXYZToRGB_8u_C3R, x, 9, 242, 255, 255), (A8{255, 254, 231}));
+        EXPECT_EQ(at<Kro8u>(kroiXYZToRGB_8u_C3R, x, 9, 255, 0, 0), (A8{255, 0, 14}));
+    }
+}
+
+TEST(XyzValues, FullScale16) {
+    for (int x : {0, 4}) {
+        EXPECT_EQ(at<Kro16u>(kroiRGBToXYZ_16u_C3R, x, 5, 65535, 65535, 65535),
+                  (std::array<Kro16u, 3>{62288, 65535, 65535}));
+        EXPECT_EQ(at<Kro16s>(kroiRGBToXYZ_16s_C3R, x, 5, 32767, 32767, 32767),
+                  (std::array<Kro16s, 3>{29520, 32767, 32767}));
+        EXPECT_EQ(at<Kro16u>(kroiXYZToRGB_16u_C3R, x, 5, 65535, 0, 0), (std::array<Kro16u, 3>{65535, 0, 3646}));
+        EXPECT_EQ(at<Kro16s>(kroiRGBToXYZ_16s_C3R, x, 5, -32768, -32768, -32768),
+                  (std::array<Kro16s, 3>{-32768, -32768, -32768}));
+    }
+}
+
+TEST(XyzValues, WhiteFloatGivesZOne) {
+    for (int x : {0, 4}) {
+        const auto o = at<Kro32f>(kroiRGBToXYZ_32f_C3R, x, 5, 1.0f, 1.0f, 1.0f);
+        EXPECT_EQ(o[1], 1.0f);
+        EXPECT_EQ(o[2], 1.0f);  // 1.088754 limited
+        EXPECT_EQ(o[0], 0.950456023f);
+    }
+}
+
+TEST(XyzValues, NaNLimitsToZeroAndPassesUnlimited) {
+    const float qnan = bitsF(0x7fc0abcd);
+    for (int x : {0, 4}) {
+        const auto o = at<Kro32f>(kroiRGBToXYZ_32f_C3R, x, 5, qnan, 0.5f, 0.5f);
+        EXPECT_EQ(ref::bitsOf(o[0]), 0x7fc0abcdu);
+        EXPECT_EQ(ref::bitsOf(o[2]), 0u);
+        const auto r = at<Kro32f>(kroiXYZToRGB_32f_C3R, x, 5, qnan, 0.5f, 0.5f);
+        for (float v : r) EXPECT_EQ(ref::bitsOf(v), 0u);
+    }
+}
+
+TEST(XyzValues, FourthSampleKeptAndNeverRead) {
+    for (int width : {4, 8, 1, 3}) {
+        std::vector<Kro32f> src(size_t(width) * 4, 0.25f), dst(size_t(width) * 4, -7.0f);
+        for (int i = 0; i < width; ++i) src[size_t(i) * 4 + 3] = NAN;
+        ASSERT_EQ(kroiRGBToXYZ_32f_AC4R(src.data(), width * 16, dst.data(), width * 16, {width, 1}), kroStatusOk);
+        for (int i = 0; i < width; ++i) {
+            EXPECT_FALSE(std::isnan(dst[size_t(i) * 4]));
+            EXPECT_EQ(dst[size_t(i) * 4 + 3], -7.0f);
+        }
+        std::vector<Kro8u> s8(size_t(width) * 4, 100), d8(size_t(width) * 4, 0xee);
+        ASSERT_EQ(kroiXYZToRGB_8u_AC4R(s8.data(), width * 4, d8.data(), width * 4, {width, 1}), kroStatusOk);
+        for (int i = 0; i < width; ++i) EXPECT_EQ(d8[size_t(i) * 4 + 3], 0xee);
+    }
+}
+
+TEST(XyzValues, OddByteStepRoundsDownToSamples) {
+    // 16u rows 2 pixels wide: a byte step of 13 is 6 samples, so row 1 starts at sample 6
+    Kro16u src[12], dst[12] = {};
+    for (int i = 0; i < 12; ++i) src[i] = Kro16u(1000 * (i + 1));
+    ASSERT_EQ(kroiRGBToXYZ_16u_C3R(src, 13, dst, 13, {2, 2}), kroStatusOk);
+    Kro16u once[6];
+    ASSERT_EQ(kroiRGBToXYZ_16u_C3R(src + 6, 12, once, 12, {2, 1}), kroStatusOk);
+    for (int i = 0; i < 6; ++i) EXPECT_EQ(dst[6 + i], once[i]);
+}
+
+}  // namespace
