@@ -153,6 +153,54 @@ KroStatus kroiYCCToRGB_8u_C3R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int d
 KroStatus kroiYCCToRGB_8u_AC4R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
 
 /* ------------------------------------------------------------ YCoCg */
+/* Y = (R + 2G + B) / 4, Co = (R - B) / 2, Cg = (2G - R - B) / 4 by shifts and adds,
+ * between an interleaved side and three planes in the order Y, Co, Cg; one step
+ * in bytes serves all three planes. _Rev: the reversible lifting transform, whose
+ * inverse gives every source back exactly. A C4 source's fourth sample is not
+ * read; a P3C4R destination's fourth sample is aval. The operations marked
+ * "empty region: 0" have no size check: a width or height below 1 converts
+ * nothing and returns kroStatusOk. */
+/* RGB to 8-bit planes, chroma offset by 128 and limited to 255. */
+KroStatus kroiRGBToYCoCg_8u_C3P3R(const Kro8u* pSrc, int srcStep, Kro8u* const pDst[3], int dstStep, kroiSize roiSize);
+/* 8-bit planes with offset chroma to RGB, saturated. Empty region: 0. */
+KroStatus kroiYCoCgToRGB_8u_P3C3R(const Kro8u* const pSrc[3], int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+/* BGR (three or four samples a pixel) to 16-bit planes, rounded. */
+KroStatus kroiBGRToYCoCg_8u16s_C3P3R(const Kro8u* pSrc, int srcStep, Kro16s* const pDst[3], int dstStep, kroiSize roiSize);
+KroStatus kroiBGRToYCoCg_8u16s_C4P3R(const Kro8u* pSrc, int srcStep, Kro16s* const pDst[3], int dstStep, kroiSize roiSize);
+/* BGR to 16-bit planes, reversible (Co and Cg -255..255). */
+KroStatus kroiBGRToYCoCg_Rev_8u16s_C3P3R(const Kro8u* pSrc, int srcStep, Kro16s* const pDst[3], int dstStep, kroiSize roiSize);
+KroStatus kroiBGRToYCoCg_Rev_8u16s_C4P3R(const Kro8u* pSrc, int srcStep, Kro16s* const pDst[3], int dstStep, kroiSize roiSize);
+/* Signed BGR to 16-bit planes, rounded; a Co or Cg of 32768 is stored as 32767 by
+ * pixels 0 .. (width & ~3) - 1 and as -32768 by the rest of the row. */
+KroStatus kroiSBGRToYCoCg_16s_C3P3R(const Kro16s* pSrc, int srcStep, Kro16s* const pDst[3], int dstStep, kroiSize roiSize);
+KroStatus kroiSBGRToYCoCg_16s_C4P3R(const Kro16s* pSrc, int srcStep, Kro16s* const pDst[3], int dstStep, kroiSize roiSize);
+/* Signed BGR to 32-bit planes, rounded. The C4 form: empty region: 0. */
+KroStatus kroiSBGRToYCoCg_16s32s_C3P3R(const Kro16s* pSrc, int srcStep, Kro32s* const pDst[3], int dstStep, kroiSize roiSize);
+KroStatus kroiSBGRToYCoCg_16s32s_C4P3R(const Kro16s* pSrc, int srcStep, Kro32s* const pDst[3], int dstStep, kroiSize roiSize);
+/* Signed BGR to 16-bit planes, reversible in 16-bit wrap-around. Empty region: 0. */
+KroStatus kroiSBGRToYCoCg_Rev_16s_C3P3R(const Kro16s* pSrc, int srcStep, Kro16s* const pDst[3], int dstStep, kroiSize roiSize);
+KroStatus kroiSBGRToYCoCg_Rev_16s_C4P3R(const Kro16s* pSrc, int srcStep, Kro16s* const pDst[3], int dstStep, kroiSize roiSize);
+/* Signed BGR to 32-bit planes, reversible. The C4 form: empty region: 0. */
+KroStatus kroiSBGRToYCoCg_Rev_16s32s_C3P3R(const Kro16s* pSrc, int srcStep, Kro32s* const pDst[3], int dstStep, kroiSize roiSize);
+KroStatus kroiSBGRToYCoCg_Rev_16s32s_C4P3R(const Kro16s* pSrc, int srcStep, Kro32s* const pDst[3], int dstStep, kroiSize roiSize);
+/* 16-bit planes to BGR, sums in 16-bit wrap-around, saturated to 0..255. Empty region: 0. */
+KroStatus kroiYCoCgToBGR_16s8u_P3C3R(const Kro16s* const pSrc[3], int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiYCoCgToBGR_16s8u_P3C4R(const Kro16s* const pSrc[3], int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize, Kro8u aval);
+/* 16-bit planes to BGR, reversible, saturated to 0..255. Empty region: 0. */
+KroStatus kroiYCoCgToBGR_Rev_16s8u_P3C3R(const Kro16s* const pSrc[3], int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiYCoCgToBGR_Rev_16s8u_P3C4R(const Kro16s* const pSrc[3], int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize, Kro8u aval);
+/* 16-bit planes to signed BGR in 16-bit wrap-around. The C3 form: empty region: 0. */
+KroStatus kroiYCoCgToSBGR_16s_P3C3R(const Kro16s* const pSrc[3], int srcStep, Kro16s* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiYCoCgToSBGR_16s_P3C4R(const Kro16s* const pSrc[3], int srcStep, Kro16s* pDst, int dstStep, kroiSize roiSize, Kro16s aval);
+/* 32-bit planes to signed BGR: sums in 32 bits, their low 16 bits stored. */
+KroStatus kroiYCoCgToSBGR_32s16s_P3C3R(const Kro32s* const pSrc[3], int srcStep, Kro16s* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiYCoCgToSBGR_32s16s_P3C4R(const Kro32s* const pSrc[3], int srcStep, Kro16s* pDst, int dstStep, kroiSize roiSize, Kro16s aval);
+/* 16-bit planes to signed BGR, reversible in 16-bit wrap-around. Empty region: 0. */
+KroStatus kroiYCoCgToSBGR_Rev_16s_P3C3R(const Kro16s* const pSrc[3], int srcStep, Kro16s* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiYCoCgToSBGR_Rev_16s_P3C4R(const Kro16s* const pSrc[3], int srcStep, Kro16s* pDst, int dstStep, kroiSize roiSize, Kro16s aval);
+/* 32-bit planes to signed BGR, reversible: sums in 32 bits, low 16 bits stored. Empty region: 0. */
+KroStatus kroiYCoCgToSBGR_Rev_32s16s_P3C3R(const Kro32s* const pSrc[3], int srcStep, Kro16s* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiYCoCgToSBGR_Rev_32s16s_P3C4R(const Kro32s* const pSrc[3], int srcStep, Kro16s* pDst, int dstStep, kroiSize roiSize, Kro16s aval);
 
 /* ------------------------------------------------------------ RGB <-> XYZ */
 /* Linear RGB (BT.709 primaries, D65) to CIE XYZ and back. AC4: the fourth sample of a source
