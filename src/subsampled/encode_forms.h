@@ -10,6 +10,7 @@
 #pragma once
 
 #include "frame/forms.h"
+#include "matrix/ycbcr_forms.h"
 
 namespace kro::sub {
 
@@ -34,16 +35,12 @@ inline V shr16(V a) { return _mm_srli_epi16(a, N); }
 // chroma forms sum over a block.
 
 // A14: BT.601 studio weights in 14 fraction bits on samples << 7, each product
-// rounded by itself; the sum carries 6 fraction bits.
-inline int a14(int r, int g, int b) {
-    return mulRoundS15(4211, r << 7) + mulRoundS15(8258, g << 7) + mulRoundS15(1606, b << 7);
-}
-inline V a14(V r, V g, V b) {
-    return add16(add16(mulRoundS15(splat16(4211), shl16<7>(r)), mulRoundS15(splat16(8258), shl16<7>(g))),
-                 mulRoundS15(splat16(1606), shl16<7>(b)));
-}
+// rounded by itself; the sum carries 6 fraction bits. The sum of forward form 2
+// of full-resolution YCbCr.
+inline int a14(int r, int g, int b) { return ycbcr::Fwd2::luma14<int>(r << 7, g << 7, b << 7); }
+inline V a14(V r, V g, V b) { return ycbcr::Fwd2::luma14<V>(shl16<7>(r), shl16<7>(g), shl16<7>(b)); }
 
-// L1: A14 rounded with the offset 16.5 x 64.
+// L1: A14 rounded with the offset 16.5 x 64 (Y of full-resolution forward form 2).
 struct L1 {
     static int one(int r, int g, int b) { return clampU8((a14(r, g, b) + 1056) >> 6); }
     static V vec(V r, V g, V b) { return sar16<6>(add16(a14(r, g, b), splat16(1056))); }
@@ -78,9 +75,10 @@ struct L4 {
     static V vec(V r, V g, V b) { return shr16<7>(add16(u15<8422, 16515, 3212>(r, g, b), splat16(2112))); }
 };
 
-// L5: BT.601 studio in 16 fraction bits, offset and rounding half at once.
+// L5: BT.601 studio in 16 fraction bits, offset and rounding half at once
+// (Y of full-resolution forward form 1).
 struct L5 {
-    static int one(int r, int g, int b) { return (16843 * r + 33030 * g + 6423 * b + 1081344) >> 16; }
+    static int one(int r, int g, int b) { return ycbcr::Fwd1::luma(r, g, b); }
 };
 
 // L6: L5 without the rounding half.
@@ -231,7 +229,14 @@ struct Diff14 {
         return sub16(sub16(mulRoundS15(splat16(WRr), r), mulRoundS15(splat16(WGr), g)), mulRoundS15(splat16(WBr), b));
     }
 };
-using D14 = Diff14<7193, 4768, 2425, 7193, 6029, 1163>;
+// D14b, D14r: the chroma sums of full-resolution forward form 2, here on
+// scaled block sums (or on samples << 7 in the CbYCr filter).
+struct D14 {
+    static int cb(int r, int g, int b) { return ycbcr::Fwd2::cb14<int>(r, g, b); }
+    static int cr(int r, int g, int b) { return ycbcr::Fwd2::cr14<int>(r, g, b); }
+    static V cb(V r, V g, V b) { return ycbcr::Fwd2::cb14<V>(r, g, b); }
+    static V cr(V r, V g, V b) { return ycbcr::Fwd2::cr14<V>(r, g, b); }
+};
 
 // Differences of unsigned high products (16-bit weights on the scaled sums).
 template <int WB, int WG, int WR>
