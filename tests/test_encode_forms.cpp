@@ -228,8 +228,9 @@ TEST(EncodeForms, ClampVideoLimits) {
     for (int x : {-40000, -1, 0, 1, 2, 128, 253, 254, 255, 300, 40000}) {
         const int want = x < 1 ? 1 : x > 254 ? 254 : x;
         EXPECT_EQ(clampVideo(x), want) << x;
-        if (x >= -32768 && x <= 32767)
+        if (x >= -32768 && x <= 32767) {
             EXPECT_EQ(_mm_extract_epi16(clampVideo(splat16(x)), 3), want) << x;
+        }
     }
 }
 

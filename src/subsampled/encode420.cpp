@@ -20,7 +20,9 @@ using Csc420SH = Enc420<spanSH, L7, C6, L8, C7>;
 using Hdtv420 = Enc420<spanSH, L9, C8, L10, C9<33587200>>;
 using Yuv420Ac4 = Enc420<spanS16, L13, C12, L15, C14Quad>;
 using Yuv420C3 = Enc420<spanS8, L11, C10, L12, C11>;
-using Yuv420P3 = Enc420<spanNone, L15, C14Quad, L15, C14Quad>;
+// No main forms: every block takes the tail forms, run in 32-bit lanes over
+// the blocks of each 4-pixel group (identical numbers), the rest one by one.
+using Yuv420P3 = Enc420<spanS4, L15, C14Quad, L15, C14Quad>;
 
 constexpr auto kDeep = CheckOrder::DeepNullSize;
 constexpr auto kNull = CheckOrder::NullSize;

@@ -157,9 +157,24 @@ struct L14 {
     static V vec(V r, V g, V b) { return sar16<1>(vterm(r, g, b)); }
 };
 
-// L15: YUV weights in 16 fraction bits, truncated.
+// Eight 16-bit lanes through a form written over its number type, in two
+// halves of 32-bit lanes: exactly the scalar numbers.
+template <class F>
+inline V inLanes32(V a, V b, V c, F f) {
+    auto lo = [](V x) { return I32x4(_mm_cvtepu16_epi32(x)); };
+    auto hi = [](V x) { return I32x4(_mm_unpackhi_epi16(x, zero())); };
+    return _mm_packs_epi32(f(lo(a), lo(b), lo(c)).v, f(hi(a), hi(b), hi(c)).v);
+}
+
+// L15: YUV weights in 16 fraction bits, truncated. Where a whole row takes it,
+// it runs in 32-bit lanes (vec) with the same numbers.
 struct L15 {
-    static int one(int r, int g, int b) { return (19595 * r + 38470 * g + 7471 * b) >> 16; }
+    template <class T>
+    static T form(T r, T g, T b) {
+        return (19595 * r + 38470 * g + 7471 * b) >> 16;
+    }
+    static int one(int r, int g, int b) { return form<int>(r, g, b); }
+    static V vec(V r, V g, V b) { return inLanes32(r, g, b, [](auto x, auto y, auto z) { return form(x, y, z); }); }
 };
 
 // L16: YUV weights in 16 fraction bits, rounded.
@@ -460,16 +475,30 @@ struct C12 {
 
 // C14(k): differences in 16 fraction bits on the plain sums, rounded by k.
 // U never leaves the byte range; V is clamped.
+// Where a whole row takes it, it runs in 32-bit lanes (vec) with the same numbers.
 template <int K>
 struct C14 {
     using YTerm = NoTerm;
     static constexpr bool NeedsX = false;
+    template <int Pix, class T>
+    static T u(T sr, T sg, T sb) {
+        const T q = 19595 * sr + 38470 * sg + 7471 * sb;
+        return (((((sb << 16) - q + K) >> 16) * 32244) >> kSumShift<Pix>) + 128;
+    }
+    template <int Pix, class T>
+    static T v(T sr, T sg, T sb) {
+        const T q = 19595 * sr + 38470 * sg + 7471 * sb;
+        return clampU8((((((sr << 16) - q + K) >> 16) * 57475) >> kSumShift<Pix>) + 128);
+    }
     template <int Pix>
-    static void one(const BlockSums& s, int& u, int& v) {
-        constexpr int sh = kSumShift<Pix>;
-        const int q = 19595 * s.sr + 38470 * s.sg + 7471 * s.sb;
-        u = (((((s.sb << 16) - q + K) >> 16) * 32244) >> sh) + 128;
-        v = clampU8((((((s.sr << 16) - q + K) >> 16) * 57475) >> sh) + 128);
+    static void one(const BlockSums& s, int& uo, int& vo) {
+        uo = u<Pix>(s.sr, s.sg, s.sb);
+        vo = v<Pix>(s.sr, s.sg, s.sb);
+    }
+    template <int Pix>
+    static void vec(const BlockSumsV& s, V& uo, V& vo) {
+        uo = inLanes32(s.sr, s.sg, s.sb, [](auto r, auto g, auto b) { return u<Pix>(r, g, b); });
+        vo = inLanes32(s.sr, s.sg, s.sb, [](auto r, auto g, auto b) { return v<Pix>(r, g, b); });
     }
 };
 using C14Quad = C14<131071>;  // "C14" of the 4:2:0 YUV forms
