@@ -15,8 +15,10 @@ namespace {
 template <int (*Span)(int), class MY, class MC, class TYE, class TYO, class TC, class Odd>
 using Enc422 = Encoder<2, 1, Span, MY, MC, TYE, TYO, TC, Odd>;
 
-using StudioBgr422 = Enc422<spanS8, L1, C1<8224>, L5, L5, C4<16793600>, OddNone>;
-using StudioRgb422 = Enc422<spanS8, L1, C1<8224>, L5, L6, C4<16842752>, OddNone>;
+// Tail luma L5 on both columns and chroma rounded at 128.125, or L6 on odd
+// columns and chroma rounded at 128.5.
+using Studio422 = Enc422<spanS8, L1, C1<8224>, L5, L5, C4<16793600>, OddNone>;
+using Studio422L6 = Enc422<spanS8, L1, C1<8224>, L5, L6, C4<16842752>, OddNone>;
 using StudioCbYCr = Enc422<spanS8, L4, C5, L5, L5, C4<16842752, 16842750>, OddRule<E1>>;
 using HdtvCbYCrAc4 = Enc422<spanS8, L9, C13, L10, L10, C9<16842752, 16842750>, OddRule<E2>>;
 using HdtvCbYCrC3 = Enc422<spanSX, L9, C8, L10, L10, C9<16842752, 16842750>, OddRule<E2>>;
@@ -109,10 +111,11 @@ KroStatus yuvC3P3R(const Kro8u* pSrc, int srcStep, Kro8u* const pDst[3], const i
 }
 
 // A whole image of n pixels (n even) as one row: no row boundary anywhere.
-// Pieces of 2^30 pixels are whole main spans, so cutting there changes nothing.
+// Pieces of 2^28 pixels are whole main spans, so cutting there changes nothing
+// (and keeps byte offsets within a row below 2^31).
 template <class Enc, class MakeSrc>
 void oneRow(const MakeSrc& srcAt, Kro8u* const pDst[3], int64_t n) {
-    constexpr int64_t piece = int64_t(1) << 30;
+    constexpr int64_t piece = int64_t(1) << 28;
     for (int64_t off = 0; off < n; off += piece) {
         const int len = static_cast<int>(n - off < piece ? n - off : piece);
         Kro8u* planes[3] = {pDst[0] + off, pDst[1] + off / 2, pDst[2] + off / 2};
@@ -129,40 +132,40 @@ bool rowByRow(kroiSize roi) { return int64_t(roi.width) * roi.height < 256 || (r
 // ------------------------------------------------------------ BT.601 studio
 KroStatus impl_kroiBGRToYCbCr422_8u_C3C2R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep,
                                           kroiSize roiSize) {
-    return interleavedToPacked<StudioBgr422, SrcBGR, kYCbCr422C2, 2>(pSrc, srcStep, pDst, dstStep, roiSize);
+    return interleavedToPacked<Studio422, SrcBGR, kYCbCr422C2, 2>(pSrc, srcStep, pDst, dstStep, roiSize);
 }
 KroStatus impl_kroiBGRToYCbCr422_8u_AC4C2R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep,
                                            kroiSize roiSize) {
-    return interleavedToPacked<StudioBgr422, SrcBGRx, kYCbCr422C2, 2>(pSrc, srcStep, pDst, dstStep, roiSize);
+    return interleavedToPacked<Studio422, SrcBGRx, kYCbCr422C2, 2>(pSrc, srcStep, pDst, dstStep, roiSize);
 }
 KroStatus impl_kroiBGRToYCbCr422_8u_C3P3R(const Kro8u* pSrc, int srcStep, Kro8u* const pDst[3],
                                           const int dstStep[3], kroiSize roiSize) {
-    return interleavedToPlanes<StudioBgr422, SrcBGR, kYCbCr422P3, kDeep, 2, 1>(pSrc, srcStep, pDst, dstStep, roiSize);
+    return interleavedToPlanes<Studio422, SrcBGR, kYCbCr422P3, kDeep, 2, 1>(pSrc, srcStep, pDst, dstStep, roiSize);
 }
 KroStatus impl_kroiBGRToYCbCr422_8u_AC4P3R(const Kro8u* pSrc, int srcStep, Kro8u* const pDst[3],
                                            const int dstStep[3], kroiSize roiSize) {
-    return interleavedToPlanes<StudioBgr422, SrcBGRx, kYCbCr422P3, kDeep, 2, 1>(pSrc, srcStep, pDst, dstStep,
+    return interleavedToPlanes<Studio422, SrcBGRx, kYCbCr422P3, kDeep, 2, 1>(pSrc, srcStep, pDst, dstStep,
                                                                               roiSize);
 }
 KroStatus impl_kroiRGBToYCbCr422_8u_C3P3R(const Kro8u* pSrc, int srcStep, Kro8u* const pDst[3],
                                           const int dstStep[3], kroiSize roiSize) {
-    return interleavedToPlanes<StudioBgr422, SrcRGB, kYCbCr422P3, kDeep, 2, 1>(pSrc, srcStep, pDst, dstStep, roiSize);
+    return interleavedToPlanes<Studio422, SrcRGB, kYCbCr422P3, kDeep, 2, 1>(pSrc, srcStep, pDst, dstStep, roiSize);
 }
 KroStatus impl_kroiRGBToYCbCr422_8u_C3C2R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep,
                                           kroiSize roiSize) {
-    return interleavedToPacked<StudioRgb422, SrcRGB, kYCbCr422C2, 1>(pSrc, srcStep, pDst, dstStep, roiSize);
+    return interleavedToPacked<Studio422L6, SrcRGB, kYCbCr422C2, 1>(pSrc, srcStep, pDst, dstStep, roiSize);
 }
 KroStatus impl_kroiRGBToYCrCb422_8u_C3C2R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep,
                                           kroiSize roiSize) {
-    return interleavedToPacked<StudioRgb422, SrcRGB, kYCrCb422C2, 1>(pSrc, srcStep, pDst, dstStep, roiSize);
+    return interleavedToPacked<Studio422L6, SrcRGB, kYCrCb422C2, 1>(pSrc, srcStep, pDst, dstStep, roiSize);
 }
 KroStatus impl_kroiRGBToYCbCr422_8u_P3C2R(const Kro8u* const pSrc[3], int srcStep, Kro8u* pDst, int dstStep,
                                           kroiSize roiSize) {
-    return planesToPacked<StudioRgb422, kYCbCr422C2>(pSrc, srcStep, pDst, dstStep, roiSize);
+    return planesToPacked<Studio422L6, kYCbCr422C2>(pSrc, srcStep, pDst, dstStep, roiSize);
 }
 KroStatus impl_kroiRGBToYCrCb422_8u_P3C2R(const Kro8u* const pSrc[3], int srcStep, Kro8u* pDst, int dstStep,
                                           kroiSize roiSize) {
-    return planesToPacked<StudioRgb422, kYCrCb422C2>(pSrc, srcStep, pDst, dstStep, roiSize);
+    return planesToPacked<Studio422L6, kYCrCb422C2>(pSrc, srcStep, pDst, dstStep, roiSize);
 }
 
 // ------------------------------------------------------------ CbYCr
@@ -197,14 +200,12 @@ KroStatus impl_kroiRGBToYUV422_8u_P3R(const Kro8u* const pSrc[3], int srcStep, K
     return planesToPlanes<YuvFromPlanes, kYUV422P3, kLate, 1, 1>(pSrc, srcStep, pDst, dstStep, roiSize);
 }
 
-// Without steps. The checks run first, on the region forms' order, with
-// stand-in steps; the derived steps follow from a width known to be positive.
+// Without steps. The checks run first, in the region forms' order; the derived
+// steps follow from a width known to be positive.
 KroStatus impl_kroiRGBToYUV422_8u_C3P3(const Kro8u* pSrc, Kro8u* const pDst[3], kroiSize roiSize) {
-    const int zeroSteps[3] = {0, 0, 0};
     const KroStatus st = checkEntry<kLate>(
         anyNull(pSrc, pDst), [&] { return anyPlaneNull(pDst, 3); }, roiSize, 1, 1);
     if (st != kroStatusOk) return st;
-    (void)zeroSteps;
     const int w = roiSize.width;
     if (rowByRow(roiSize)) {
         const int steps[3] = {steplessLumaStep(w), stepless422ChromaStep(w), stepless422ChromaStep(w)};
