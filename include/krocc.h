@@ -282,6 +282,54 @@ KroStatus kroiLabToRGB_32f_C3R(const Kro32f* pSrc, int srcStep, Kro32f* pDst, in
 KroStatus kroiLabToBGR_32f_C3R(const Kro32f* pSrc, int srcStep, Kro32f* pDst, int dstStep, kroiSize roiSize);
 
 /* ------------------------------------------------------------ encoding into subsampled formats */
+/* 4:2:0 planes and chroma-pair planes. Each plane of a P3 side has its own step (dstStep[3]). */
+KroStatus kroiBGRToYCbCr420_8u_C3P3R(const Kro8u* pSrc, int srcStep, Kro8u* const pDst[3], const int dstStep[3], kroiSize roiSize);
+KroStatus kroiBGRToYCbCr420_8u_AC4P3R(const Kro8u* pSrc, int srcStep, Kro8u* const pDst[3], const int dstStep[3], kroiSize roiSize);
+KroStatus kroiBGRToYCrCb420_8u_C3P3R(const Kro8u* pSrc, int srcStep, Kro8u* const pDst[3], const int dstStep[3], kroiSize roiSize);
+KroStatus kroiBGRToYCrCb420_8u_AC4P3R(const Kro8u* pSrc, int srcStep, Kro8u* const pDst[3], const int dstStep[3], kroiSize roiSize);
+KroStatus kroiRGBToYCbCr420_8u_C3P3R(const Kro8u* pSrc, int srcStep, Kro8u* const pDst[3], const int dstStep[3], kroiSize roiSize);
+KroStatus kroiRGBToYCrCb420_8u_AC4P3R(const Kro8u* pSrc, int srcStep, Kro8u* const pDst[3], const int dstStep[3], kroiSize roiSize);
+KroStatus kroiBGRToYCbCr420_8u_C3P2R(const Kro8u* pSrc, int srcStep, Kro8u* pDstY, int dstYStep, Kro8u* pDstCbCr, int dstCbCrStep, kroiSize roiSize);
+KroStatus kroiBGRToYCbCr420_8u_AC4P2R(const Kro8u* pSrc, int srcStep, Kro8u* pDstY, int dstYStep, Kro8u* pDstCbCr, int dstCbCrStep, kroiSize roiSize);
+KroStatus kroiRGBToYCbCr420_8u_C3P2R(const Kro8u* pSrc, int srcStep, Kro8u* pDstY, int dstYStep, Kro8u* pDstCbCr, int dstCbCrStep, kroiSize roiSize);
+KroStatus kroiRGBToYCbCr420_8u_C4P2R(const Kro8u* pSrc, int srcStep, Kro8u* pDstY, int dstYStep, Kro8u* pDstCbCr, int dstCbCrStep, kroiSize roiSize);
+KroStatus kroiBGRToYCbCr420_709CSC_8u_C3P2R(const Kro8u* pSrc, int srcStep, Kro8u* pDstY, int dstYStep, Kro8u* pDstCbCr, int dstCbCrStep, kroiSize roiSize);
+KroStatus kroiBGRToYCbCr420_709CSC_8u_AC4P2R(const Kro8u* pSrc, int srcStep, Kro8u* pDstY, int dstYStep, Kro8u* pDstCbCr, int dstCbCrStep, kroiSize roiSize);
+KroStatus kroiBGRToYCbCr420_709CSC_8u_C3P3R(const Kro8u* pSrc, int srcStep, Kro8u* const pDst[3], const int dstStep[3], kroiSize roiSize);
+KroStatus kroiBGRToYCbCr420_709CSC_8u_AC4P3R(const Kro8u* pSrc, int srcStep, Kro8u* const pDst[3], const int dstStep[3], kroiSize roiSize);
+KroStatus kroiBGRToYCrCb420_709CSC_8u_C3P3R(const Kro8u* pSrc, int srcStep, Kro8u* const pDst[3], const int dstStep[3], kroiSize roiSize);
+KroStatus kroiBGRToYCrCb420_709CSC_8u_AC4P3R(const Kro8u* pSrc, int srcStep, Kro8u* const pDst[3], const int dstStep[3], kroiSize roiSize);
+KroStatus kroiBGRToYCbCr420_709HDTV_8u_AC4P3R(const Kro8u* pSrc, int srcStep, Kro8u* const pDst[3], const int dstStep[3], kroiSize roiSize);
+KroStatus kroiBGRToYUV420_8u_AC4P3R(const Kro8u* pSrc, int srcStep, Kro8u* const pDst[3], const int dstStep[3], kroiSize roiSize);
+KroStatus kroiRGBToYUV420_8u_C3P3R(const Kro8u* pSrc, int srcStep, Kro8u* const pDst[3], const int dstStep[3], kroiSize roiSize);
+KroStatus kroiRGBToYUV420_8u_P3R(const Kro8u* const pSrc[3], int srcStep, Kro8u* const pDst[3], const int dstStep[3], kroiSize roiSize);
+/* Without steps: rows packed one after the other (source 3 x width or width, Y width, chroma width / 2). */
+KroStatus kroiRGBToYUV420_8u_C3P3(const Kro8u* pSrc, Kro8u* const pDst[3], kroiSize roiSize);
+KroStatus kroiRGBToYUV420_8u_P3(const Kro8u* const pSrc[3], Kro8u* const pDst[3], kroiSize roiSize);
+/* 4:2:2 packed (C2) and planar. */
+KroStatus kroiBGRToYCbCr422_8u_C3C2R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiBGRToYCbCr422_8u_AC4C2R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiBGRToYCbCr422_8u_C3P3R(const Kro8u* pSrc, int srcStep, Kro8u* const pDst[3], const int dstStep[3], kroiSize roiSize);
+KroStatus kroiBGRToYCbCr422_8u_AC4P3R(const Kro8u* pSrc, int srcStep, Kro8u* const pDst[3], const int dstStep[3], kroiSize roiSize);
+KroStatus kroiRGBToYCbCr422_8u_C3P3R(const Kro8u* pSrc, int srcStep, Kro8u* const pDst[3], const int dstStep[3], kroiSize roiSize);
+KroStatus kroiRGBToYCbCr422_8u_C3C2R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiRGBToYCrCb422_8u_C3C2R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiRGBToYCbCr422_8u_P3C2R(const Kro8u* const pSrc[3], int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiRGBToYCrCb422_8u_P3C2R(const Kro8u* const pSrc[3], int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiBGRToCbYCr422_8u_AC4C2R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiBGRToCbYCr422_709HDTV_8u_AC4C2R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiBGRToCbYCr422_709HDTV_8u_C3C2R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+/* Chroma filtered 1/4, 1/2, 1/4 around each even pixel. */
+KroStatus kroiRGBToCbYCr422_8u_C3C2R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiRGBToYUV422_8u_C3C2R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiRGBToYUV422_8u_C3P3R(const Kro8u* pSrc, int srcStep, Kro8u* const pDst[3], const int dstStep[3], kroiSize roiSize);
+KroStatus kroiRGBToYUV422_8u_P3R(const Kro8u* const pSrc[3], int srcStep, Kro8u* const pDst[3], const int dstStep[3], kroiSize roiSize);
+/* Without steps: chroma rows of (width + 1) / 2 samples. */
+KroStatus kroiRGBToYUV422_8u_C3P3(const Kro8u* pSrc, Kro8u* const pDst[3], kroiSize roiSize);
+KroStatus kroiRGBToYUV422_8u_P3(const Kro8u* const pSrc[3], Kro8u* const pDst[3], kroiSize roiSize);
+/* 4:1:1 planes. */
+KroStatus kroiBGRToYCbCr411_8u_C3P3R(const Kro8u* pSrc, int srcStep, Kro8u* const pDst[3], const int dstStep[3], kroiSize roiSize);
+KroStatus kroiBGRToYCbCr411_8u_AC4P3R(const Kro8u* pSrc, int srcStep, Kro8u* const pDst[3], const int dstStep[3], kroiSize roiSize);
 
 /* ------------------------------------------------------------ decoding subsampled formats */
 

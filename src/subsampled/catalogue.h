@@ -83,6 +83,8 @@ constexpr int spanS8(int w) { return w & ~7; }
 constexpr int spanS4(int w) { return w & ~3; }
 constexpr int spanSH(int w) { return (w & ~15) + (w & 4); }
 constexpr int spanSX(int w) { return (w & ~31) + ((w & 15) >= 8 ? 8 : 0); }
+// "none": every whole block goes through the tail forms
+constexpr int spanNone(int) { return 0; }
 // "all": every whole block of the row
 constexpr int spanAll(Block b, int w) { return w / b.w * b.w; }
 
