@@ -149,12 +149,6 @@ const std::vector<EncOp>& encOps() {
     return ops;
 }
 
-const EncOp& opNamed(const std::string& n) {
-    for (auto& o : encOps())
-        if (o.name == n) return o;
-    throw std::runtime_error("no operation " + n);
-}
-
 class EncodeOp : public ::testing::TestWithParam<int> {};
 
 TEST_P(EncodeOp, MatchesReferenceAtEveryColumn) { sweepEncode(encOps()[GetParam()]); }
