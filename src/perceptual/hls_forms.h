@@ -109,9 +109,8 @@ struct AsFloat {  // 32f: the value itself
     static V of(VF v) { return _mm_castps_si128(v); }
 };
 
-// ------------------------------------------------------------ forward, common start
-// mx, mn, d = mx - mn, s = mn + mx, Lf = 0.5 s. The dominant channel is R if
-// mx equals R, else G if mx equals G, else B.
+// ------------------------------------------------------------ forward, named pieces
+// Common start: mx, mn, d = mx - mn, s = mn + mx, Lf = 0.5 s.
 template <class X>
 struct Start {
     X mx, d, s, Lf;
@@ -122,42 +121,71 @@ inline Start<X> start(X R, X G, X B) {
     const X s = mn + mx;
     return {mx, mx - mn, s, 0.5f * s};
 }
-// one of three values by the dominant channel (vector lanes)
-template <class A, class B, class C>
-inline VF byDominant(VF mx, VF R, VF G, A onR, B onG, C onB) {
+
+// One of three values by the dominant channel: R if mx equals R, else G if
+// mx equals G, else B.
+template <class X, class A, class B, class C>
+inline X byDominant(X mx, X R, X G, A onR, B onG, C onB) {
     return pick(eq(mx, R), onR, pick(eq(mx, G), onG, onB));
 }
 
-// hue below 0 goes once round the circle
+// Saturation's denominator: the sum, mirrored to 2F - sum above half scale
+// (exactly half scale keeps the sum).
+template <class Scale, class X>
+inline X satDenominator(X lf, X sum) {
+    return pick(le(lf, Scale::half), sum, Scale::twoF - sum);
+}
+
+// Saturation: (r x d) x F, with r the reciprocal of the denominator.
+template <class Scale, class X>
+inline X saturation(X r, X d) {
+    return (r * d) * Scale::F;
+}
+
+// Hue in degrees, main paths of 8u RGB and 16 bits: k = r x 60 first, then
+// (G - B) k, ((B - R) k) + 120, ((R - G) k) + 240.
+template <class X>
+inline X hueScaledReciprocal(X mx, X R, X G, X B, X r) {
+    const X k = r * 60.0f;
+    return byDominant(mx, R, G, (G - B) * k, ((B - R) * k) + 120.0f, ((R - G) * k) + 240.0f);
+}
+
+// Hue in degrees, tails and the 8u BGR main path: the difference times 60
+// first, then times r: ((G - B) 60) r, (((B - R) 60) r) + 120, (((R - G) 60) r) + 240.
+// (The BGR main path writes offset + (r x n): the same numbers.)
+template <class X>
+inline X hueDifference60(X mx, X R, X G, X B, X r) {
+    return byDominant(mx, R, G, ((G - B) * 60.0f) * r, (((B - R) * 60.0f) * r) + 120.0f,
+                      (((R - G) * 60.0f) * r) + 240.0f);
+}
+
+// Hue below 0 goes once round the circle.
 template <class X>
 inline X wrapHue(X hd) {
     return pick(lt(hd, 0.0f), hd + 360.0f, hd);
 }
 
 // ------------------------------------------------------------ forward, integer main paths
-// Paths 1 (Recip = Estimate, 8u) and 2 (Recip = Refined, 16u/16s): four lanes.
-//   den = (d == 0 ? 0.5 : s), mirrored to 2F - den above half scale;
-//   S = (r(den) d) F, k = r(d) 60, hue (G - B) k, ((B - R) k) + 120, ((R - G) k) + 240.
+// Paths 1 (Recip = Estimate, 8u RGB) and 2 (Recip = Refined, 16u/16s).
+// An achromatic lane has its denominator replaced by 0.5 and its hue
+// reciprocal masked to 0 before use; its H and S are 0.
 template <class Scale, class Recip, class Conv>
 struct FwdMain {
     static void apply(const VF (&in)[3], V (&o)[3]) {
         const VF R = in[0], G = in[1], B = in[2];
         const auto st = start(R, G, B);
         const VF z = eq(st.d, 0.0f);
-        const VF s2 = pick(z, 0.5f, st.s);
-        const VF den = pick(le(st.Lf, Scale::half), s2, Scale::twoF - s2);
-        const VF sf = zeroWhere(z, (Recip::of(den) * st.d) * Scale::F);
-        const VF k = zeroWhere(z, Recip::of(st.d)) * 60.0f;
-        VF hd = byDominant(st.mx, R, G, (G - B) * k, ((B - R) * k) + 120.0f, ((R - G) * k) + 240.0f);
-        hd = zeroWhere(z, wrapHue(hd));
+        const VF den = satDenominator<Scale>(st.Lf, pick(z, 0.5f, st.s));
+        const VF sf = zeroWhere(z, saturation<Scale>(Recip::of(den), st.d));
+        const VF hd = zeroWhere(z, wrapHue(hueScaledReciprocal(st.mx, R, G, B, zeroWhere(z, Recip::of(st.d)))));
         o[0] = Conv::of(hd * Scale::hueOut);
         o[1] = Conv::of(st.Lf);
         o[2] = Conv::of(sf);
     }
 };
 
-// Path 3 main (BGR 8u): an achromatic pixel has 0.5 added to d and s; the hue
-// is offset + (r(d) n) with n the channel difference times 60; truncated.
+// Path 3 main (8u BGR): an achromatic lane has 0.5 added to d and s before
+// the (unrefined) reciprocals; truncated.
 struct FwdMainBgr {
     static void apply(const VF (&in)[3], V (&o)[3]) {
         using S = Scale8;
@@ -166,11 +194,9 @@ struct FwdMainBgr {
         const VF z = eq(st.d, 0.0f);
         const VF a = _mm_and_ps(z, splat(0.5f));
         const VF d2 = st.d + a, s2 = st.s + a;
-        const VF den = pick(le(st.Lf, S::half), s2, S::twoF - s2);
-        const VF sf = zeroWhere(z, (estimate(den) * d2) * S::F);
-        const VF n = byDominant(st.mx, R, G, (G - B) * 60.0f, (B - R) * 60.0f, (R - G) * 60.0f);
-        const VF off = byDominant(st.mx, R, G, splat(0.0f), 120.0f, splat(240.0f));
-        const VF hd = zeroWhere(z, wrapHue(off + (estimate(d2) * n)));
+        const VF den = satDenominator<S>(st.Lf, s2);
+        const VF sf = zeroWhere(z, saturation<S>(estimate(den), d2));
+        const VF hd = zeroWhere(z, wrapHue(hueDifference60(st.mx, R, G, B, estimate(d2))));
         o[0] = Trunc::of(hd * S::hueOut);
         o[1] = Trunc::of(st.Lf);
         o[2] = Trunc::of(sf);
@@ -178,8 +204,8 @@ struct FwdMainBgr {
 };
 
 // ------------------------------------------------------------ forward, integer tail
-// Refined reciprocals; S = (d r(den)) F, hue ((G - B) 60) r(d) and so on.
-// Conv: truncation (no saturation step), or nearest for the 8u AC4 tail.
+// Refined reciprocals. Conv: truncation with no saturation step, or nearest
+// for the 8u RGB AC4 tail.
 template <class Scale, class Conv>
 struct FwdTail {
     static void apply(const float (&in)[3], int (&o)[3]) {
@@ -190,17 +216,8 @@ struct FwdTail {
             o[0] = o[2] = 0;
             return;
         }
-        const float den = st.Lf > Scale::half ? Scale::twoF - st.s : st.s;
-        o[2] = Conv::of((st.d * refined(den)) * Scale::F);
-        const float q = refined(st.d);
-        float hd;
-        if (st.mx == R)
-            hd = ((G - B) * 60.0f) * q;
-        else if (st.mx == G)
-            hd = (((B - R) * 60.0f) * q) + 120.0f;
-        else
-            hd = (((R - G) * 60.0f) * q) + 240.0f;
-        o[0] = Conv::of(wrapHue(hd) * Scale::hueOut);
+        o[2] = Conv::of(saturation<Scale>(refined(satDenominator<Scale>(st.Lf, st.s)), st.d));
+        o[0] = Conv::of(wrapHue(hueDifference60(st.mx, R, G, B, refined(st.d))) * Scale::hueOut);
     }
 };
 
