@@ -380,6 +380,10 @@ TEST_P(HlsOpTest, ChecksInOrderAndWritesNothingOnFailure) {
             break;
     }
     for (size_t k = 0; k < dst.planes.size(); ++k) EXPECT_EQ(dst.planes[k].snapshot(), before[k]) << o.name << " wrote on failure";
+    // without a step check, zero and negative steps are taken as they come
+    if (o.checks == Checks::NullSize) {
+        EXPECT_EQ(call(so.data(), 0, dO.data(), 0, good), kroStatusOk) << o.name << " zero steps";
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(All, HlsOpTest, ::testing::Range(0, int(hlsOps().size())),
@@ -500,6 +504,13 @@ TEST(HlsIdentity, NoSaturationGivesGrey16) {
                 ASSERT_EQ(os[3 * size_t(i) + k], Kro16s(i - 32768)) << "16s L " << i;
             }
     }
+    // every L through the tail: rows of three pixels
+    const int rows = 65536 / 3 + 1;
+    std::vector<Kro16u> u(size_t(rows) * 9), ou(u.size());
+    for (int i = 0; i < rows * 3; ++i) u[3 * size_t(i)] = Kro16u(i * 29), u[3 * size_t(i) + 1] = Kro16u(i), u[3 * size_t(i) + 2] = 0;
+    ASSERT_EQ(kroiHLSToRGB_16u_C3R(u.data(), 18, ou.data(), 18, {3, rows}), kroStatusOk);
+    for (int i = 0; i < rows * 3; ++i)
+        for (int k = 0; k < 3; ++k) ASSERT_EQ(ou[3 * size_t(i) + k], Kro16u(i)) << "16u tail L " << i;
 }
 
 // An achromatic pixel: H = 0 and S = 0 on every forward path (-32768 for 16s).
