@@ -246,10 +246,10 @@ struct FwdFloat {
 
 // ------------------------------------------------------------ inverse, named pieces
 // Sample to degrees and to 0..1.
-template <uint32_t Bits>
-struct MulBy {  // x times a stored constant
+template <const float& K>
+struct MulBy {  // x times one of the constants above
     template <class X>
-    static X of(X x) { return x * bitsToFloat(Bits); }
+    static X of(X x) { return x * K; }
 };
 struct HueDiv8 {  // (H x 360) / 255
     template <class X>
@@ -267,10 +267,10 @@ struct AsIs {
     template <class X>
     static X of(X x) { return x; }
 };
-using HueMul8 = MulBy<0x3FB4B4B5>;
-using HueMul16 = MulBy<0x3BB400B4>;
-using UnitMul8 = MulBy<0x3B808081>;
-using UnitMul16 = MulBy<0x37800080>;
+using HueMul8 = MulBy<kHueIn8>;
+using HueMul16 = MulBy<kHueIn16>;
+using UnitMul8 = MulBy<kUnit8>;
+using UnitMul16 = MulBy<kUnit16>;
 
 // Upper level m2 for L at most 0.5.
 struct M2LowProduct {  // (L x S) + L; the same numbers as L + (L x S) and (S x L) + L
