@@ -263,6 +263,39 @@ KroStatus kroiGrayToRGB_32f_C1C3R(const Kro32f* pSrc, int srcStep, Kro32f* pDst,
 KroStatus kroiGrayToRGB_32f_C1C4R(const Kro32f* pSrc, int srcStep, Kro32f* pDst, int dstStep, kroiSize roiSize, Kro32f aval);
 
 /* ------------------------------------------------------------ HLS */
+/* H, L, S in that order; 8u hue 0..255 for 0..360 degrees, 16u 0..65535, 16s the
+   16u values minus 32768, 32f 0..1. AC4R forms leave the destination's fourth
+   sample as it was (the integer forms read it and write it back); AC4P4R, AP4C4R
+   and AP4R copy the fourth channel exactly. BGR planes stand B, G, R (, A). */
+KroStatus kroiRGBToHLS_8u_C3R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiRGBToHLS_8u_AC4R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiRGBToHLS_16u_C3R(const Kro16u* pSrc, int srcStep, Kro16u* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiRGBToHLS_16u_AC4R(const Kro16u* pSrc, int srcStep, Kro16u* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiRGBToHLS_16s_C3R(const Kro16s* pSrc, int srcStep, Kro16s* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiRGBToHLS_16s_AC4R(const Kro16s* pSrc, int srcStep, Kro16s* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiRGBToHLS_32f_C3R(const Kro32f* pSrc, int srcStep, Kro32f* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiRGBToHLS_32f_AC4R(const Kro32f* pSrc, int srcStep, Kro32f* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiBGRToHLS_8u_AC4R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiBGRToHLS_8u_AC4P4R(const Kro8u* pSrc, int srcStep, Kro8u* const pDst[4], int dstStep, kroiSize roiSize);
+KroStatus kroiBGRToHLS_8u_AP4C4R(const Kro8u* const pSrc[4], int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiBGRToHLS_8u_AP4R(const Kro8u* const pSrc[4], int srcStep, Kro8u* const pDst[4], int dstStep, kroiSize roiSize);
+KroStatus kroiBGRToHLS_8u_C3P3R(const Kro8u* pSrc, int srcStep, Kro8u* const pDst[3], int dstStep, kroiSize roiSize);
+KroStatus kroiBGRToHLS_8u_P3C3R(const Kro8u* const pSrc[3], int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiBGRToHLS_8u_P3R(const Kro8u* const pSrc[3], int srcStep, Kro8u* const pDst[3], int dstStep, kroiSize roiSize);
+KroStatus kroiHLSToRGB_8u_C3R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiHLSToRGB_8u_AC4R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiHLSToRGB_16u_C3R(const Kro16u* pSrc, int srcStep, Kro16u* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiHLSToRGB_16u_AC4R(const Kro16u* pSrc, int srcStep, Kro16u* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiHLSToRGB_16s_C3R(const Kro16s* pSrc, int srcStep, Kro16s* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiHLSToRGB_16s_AC4R(const Kro16s* pSrc, int srcStep, Kro16s* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiHLSToRGB_32f_C3R(const Kro32f* pSrc, int srcStep, Kro32f* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiHLSToRGB_32f_AC4R(const Kro32f* pSrc, int srcStep, Kro32f* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiHLSToBGR_8u_AC4P4R(const Kro8u* pSrc, int srcStep, Kro8u* const pDst[4], int dstStep, kroiSize roiSize);
+KroStatus kroiHLSToBGR_8u_AP4C4R(const Kro8u* const pSrc[4], int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiHLSToBGR_8u_AP4R(const Kro8u* const pSrc[4], int srcStep, Kro8u* const pDst[4], int dstStep, kroiSize roiSize);
+KroStatus kroiHLSToBGR_8u_C3P3R(const Kro8u* pSrc, int srcStep, Kro8u* const pDst[3], int dstStep, kroiSize roiSize);
+KroStatus kroiHLSToBGR_8u_P3C3R(const Kro8u* const pSrc[3], int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiHLSToBGR_8u_P3R(const Kro8u* const pSrc[3], int srcStep, Kro8u* const pDst[3], int dstStep, kroiSize roiSize);
 
 /* ------------------------------------------------------------ Lab */
 /* CIE L*a*b* of linear RGB (BT.709 primaries, D65 white), in 32-bit floats.

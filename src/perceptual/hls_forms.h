@@ -1,0 +1,418 @@
+// The arithmetic of RGB <-> HLS (hue in degrees, lightness and saturation of the
+// double cone). Every integer sample goes through 32-bit floats; the order of
+// the float operations is part of the result and each form keeps its own.
+//
+// A form is a template over the lane type X: float for the scalar tail, VF
+// (four float lanes) for the main path. Arithmetic is written once with the
+// vector extensions' operators; comparisons and selections go through the
+// small overloads below, the scalar one beside the vector one.
+#pragma once
+
+#include <cstdint>
+
+#include "frame/forms.h"
+
+namespace kro::hls {
+
+constexpr float bitsToFloat(uint32_t b) { return __builtin_bit_cast(float, b); }
+
+// ------------------------------------------------------------ constants (stored bit patterns)
+inline constexpr float kC60 = bitsToFloat(0x3C888889);      // 1/60
+inline constexpr float kHueIn8 = bitsToFloat(0x3FB4B4B5);   // 360/255: 8-bit hue to degrees
+inline constexpr float kUnit8 = bitsToFloat(0x3B808081);    // 1/255
+inline constexpr float kHueIn16 = bitsToFloat(0x3BB400B4);  // 360/65535
+inline constexpr float kUnit16 = bitsToFloat(0x37800080);   // 1/65535
+inline constexpr float kHueOut8 = bitsToFloat(0x3F355555);  // 255/360: degrees to 8-bit hue
+inline constexpr float kHueOut16 = bitsToFloat(0x43360AAB); // 65535/360
+inline constexpr float kEps32 = bitsToFloat(0x34000000);    // 2^-23: achromatic below this spread (32f)
+
+// Full scale of an integer sample: F, F/2, 2F and the hue factor out of degrees.
+struct Scale8 {
+    static constexpr float F = 255.0f, half = 127.5f, twoF = 510.0f, hueOut = kHueOut8;
+};
+struct Scale16 {  // 16u, and 16s after its bias
+    static constexpr float F = 65535.0f, half = 32767.5f, twoF = 131070.0f, hueOut = kHueOut16;
+};
+
+// ------------------------------------------------------------ lane helpers, scalar beside vector
+inline VF splat(float v) { return _mm_set1_ps(v); }
+
+inline bool lt(float a, float b) { return a < b; }
+inline VF lt(VF a, float b) { return _mm_cmplt_ps(a, splat(b)); }
+inline bool le(float a, float b) { return a <= b; }
+inline VF le(VF a, float b) { return _mm_cmple_ps(a, splat(b)); }
+inline bool gt(float a, float b) { return a > b; }
+inline VF gt(VF a, float b) { return _mm_cmpgt_ps(a, splat(b)); }
+inline bool eq(float a, float b) { return a == b; }
+inline VF eq(VF a, VF b) { return _mm_cmpeq_ps(a, b); }
+inline VF eq(VF a, float b) { return _mm_cmpeq_ps(a, splat(b)); }
+
+// a where m holds, else b
+inline float pick(bool m, float a, float b) { return m ? a : b; }
+inline VF pick(VF m, VF a, VF b) { return _mm_blendv_ps(b, a, m); }
+inline VF pick(VF m, float a, VF b) { return _mm_blendv_ps(b, splat(a), m); }
+inline VF pick(VF m, VF a, float b) { return _mm_blendv_ps(splat(b), a, m); }
+// 0 where m holds, else a
+inline float zeroWhere(bool m, float a) { return m ? 0.0f : a; }
+inline VF zeroWhere(VF m, VF a) { return _mm_andnot_ps(m, a); }
+
+inline float max3(float a, float b, float c) {
+    const float m = a > b ? a : b;
+    return m > c ? m : c;
+}
+inline VF max3(VF a, VF b, VF c) { return _mm_max_ps(_mm_max_ps(a, b), c); }
+inline float min3(float a, float b, float c) {
+    const float m = a < b ? a : b;
+    return m < c ? m : c;
+}
+inline VF min3(VF a, VF b, VF c) { return _mm_min_ps(_mm_min_ps(a, b), c); }
+
+// ------------------------------------------------------------ reciprocals
+// estimate: the vector unit's reciprocal instruction (rcpps), relative error at
+// most 1.5 x 2^-12; the exact value is the processor's. The scalar form takes
+// lane 0 of the same instruction, so a value gives the same estimate in the
+// main path and in the tail.
+inline VF estimate(VF x) { return _mm_rcp_ps(x); }
+inline float estimate(float x) { return _mm_cvtss_f32(_mm_rcp_ps(_mm_set_ss(x))); }
+
+// refined: one Newton step on the estimate, (r + r) - ((x * r) * r)
+template <class X>
+inline X refined(X x) {
+    const X r = estimate(x);
+    return (r + r) - ((x * r) * r);
+}
+
+struct Estimate {
+    template <class X>
+    static X of(X x) { return estimate(x); }
+};
+struct Refined {
+    template <class X>
+    static X of(X x) { return refined(x); }
+};
+
+// ------------------------------------------------------------ float to sample word
+// Saturation of the main paths is left to the pack steps of the store.
+struct Nearest {  // to nearest, ties to even
+    using Word = int;
+    static int of(float v) { return roundEven(v); }
+    static V of(VF v) { return roundEven(v); }
+};
+struct Trunc {  // toward zero
+    using Word = int;
+    static int of(float v) { return truncToInt(v); }
+    static V of(VF v) { return truncToInt(v); }
+};
+struct AsFloat {  // 32f: the value itself
+    using Word = float;
+    static float of(float v) { return v; }
+    static V of(VF v) { return _mm_castps_si128(v); }
+};
+
+// ------------------------------------------------------------ forward, named pieces
+// Common start: mx, mn, d = mx - mn, s = mn + mx, Lf = 0.5 s.
+template <class X>
+struct Start {
+    X mx, d, s, Lf;
+};
+template <class X>
+inline Start<X> start(X R, X G, X B) {
+    const X mx = max3(R, G, B), mn = min3(R, G, B);
+    const X s = mn + mx;
+    return {mx, mx - mn, s, 0.5f * s};
+}
+
+// One of three values by the dominant channel: R if mx equals R, else G if
+// mx equals G, else B.
+template <class X, class A, class B, class C>
+inline X byDominant(X mx, X R, X G, A onR, B onG, C onB) {
+    return pick(eq(mx, R), onR, pick(eq(mx, G), onG, onB));
+}
+
+// Saturation's denominator: the sum, mirrored to 2F - sum above half scale
+// (exactly half scale keeps the sum).
+template <class Scale, class X>
+inline X satDenominator(X lf, X sum) {
+    return pick(le(lf, Scale::half), sum, Scale::twoF - sum);
+}
+
+// Saturation: (r x d) x F, with r the reciprocal of the denominator.
+template <class Scale, class X>
+inline X saturation(X r, X d) {
+    return (r * d) * Scale::F;
+}
+
+// Hue in degrees, main paths of 8u RGB and 16 bits: k = r x 60 first, then
+// (G - B) k, ((B - R) k) + 120, ((R - G) k) + 240.
+template <class X>
+inline X hueScaledReciprocal(X mx, X R, X G, X B, X r) {
+    const X k = r * 60.0f;
+    return byDominant(mx, R, G, (G - B) * k, ((B - R) * k) + 120.0f, ((R - G) * k) + 240.0f);
+}
+
+// Hue in degrees, tails and the 8u BGR main path: the difference times 60
+// first, then times r: ((G - B) 60) r, (((B - R) 60) r) + 120, (((R - G) 60) r) + 240.
+// (The BGR main path writes offset + (r x n): the same numbers.)
+template <class X>
+inline X hueDifference60(X mx, X R, X G, X B, X r) {
+    return byDominant(mx, R, G, ((G - B) * 60.0f) * r, (((B - R) * 60.0f) * r) + 120.0f,
+                      (((R - G) * 60.0f) * r) + 240.0f);
+}
+
+// Hue below 0 goes once round the circle.
+template <class X>
+inline X wrapHue(X hd) {
+    return pick(lt(hd, 0.0f), hd + 360.0f, hd);
+}
+
+// ------------------------------------------------------------ forward, integer main paths
+// Paths 1 (Recip = Estimate, 8u RGB) and 2 (Recip = Refined, 16u/16s).
+// An achromatic lane has its denominator replaced by 0.5 and its hue
+// reciprocal masked to 0 before use; its H and S are 0.
+template <class Scale, class Recip, class Conv>
+struct FwdMain {
+    static void apply(const VF (&in)[3], V (&o)[3]) {
+        const VF R = in[0], G = in[1], B = in[2];
+        const auto st = start(R, G, B);
+        const VF z = eq(st.d, 0.0f);
+        const VF den = satDenominator<Scale>(st.Lf, pick(z, 0.5f, st.s));
+        const VF sf = zeroWhere(z, saturation<Scale>(Recip::of(den), st.d));
+        const VF hd = zeroWhere(z, wrapHue(hueScaledReciprocal(st.mx, R, G, B, zeroWhere(z, Recip::of(st.d)))));
+        o[0] = Conv::of(hd * Scale::hueOut);
+        o[1] = Conv::of(st.Lf);
+        o[2] = Conv::of(sf);
+    }
+};
+
+// Path 3 main (8u BGR): an achromatic lane has 0.5 added to d and s before
+// the (unrefined) reciprocals; truncated.
+struct FwdMainBgr {
+    static void apply(const VF (&in)[3], V (&o)[3]) {
+        using S = Scale8;
+        const VF R = in[0], G = in[1], B = in[2];
+        const auto st = start(R, G, B);
+        const VF z = eq(st.d, 0.0f);
+        const VF a = _mm_and_ps(z, splat(0.5f));
+        const VF d2 = st.d + a, s2 = st.s + a;
+        const VF den = satDenominator<S>(st.Lf, s2);
+        const VF sf = zeroWhere(z, saturation<S>(estimate(den), d2));
+        const VF hd = zeroWhere(z, wrapHue(hueDifference60(st.mx, R, G, B, estimate(d2))));
+        o[0] = Trunc::of(hd * S::hueOut);
+        o[1] = Trunc::of(st.Lf);
+        o[2] = Trunc::of(sf);
+    }
+};
+
+// ------------------------------------------------------------ forward, integer tail
+// Refined reciprocals. Conv: truncation with no saturation step, or nearest
+// for the 8u RGB AC4 tail.
+template <class Scale, class Conv>
+struct FwdTail {
+    static void apply(const float (&in)[3], int (&o)[3]) {
+        const float R = in[0], G = in[1], B = in[2];
+        const auto st = start(R, G, B);
+        o[1] = Conv::of(st.Lf);
+        if (st.d == 0.0f) {
+            o[0] = o[2] = 0;
+            return;
+        }
+        o[2] = Conv::of(saturation<Scale>(refined(satDenominator<Scale>(st.Lf, st.s)), st.d));
+        o[0] = Conv::of(wrapHue(hueDifference60(st.mx, R, G, B, refined(st.d))) * Scale::hueOut);
+    }
+};
+
+// ------------------------------------------------------------ forward, 32f (scalar only)
+// True division; achromatic when d is at most 2^-23; no clamp.
+struct FwdFloat {
+    static void apply(const float (&in)[3], float (&o)[3]) {
+        const float R = in[0], G = in[1], B = in[2];
+        const auto st = start(R, G, B);
+        o[1] = st.Lf;
+        if (st.d <= kEps32) {
+            o[0] = o[2] = 0.0f;
+            return;
+        }
+        o[2] = st.Lf <= 0.5f ? st.d / st.s : st.d / (2.0f - st.s);
+        float hd;
+        if (st.mx == R)
+            hd = ((G - B) * 60.0f) / st.d;
+        else if (st.mx == G)
+            hd = 120.0f + (((B - R) * 60.0f) / st.d);
+        else
+            hd = (((R - G) * 60.0f) / st.d) + 240.0f;
+        o[0] = wrapHue(hd) / 360.0f;
+    }
+};
+
+// ------------------------------------------------------------ inverse, named pieces
+// Sample to degrees and to 0..1.
+template <const float& K>
+struct MulBy {  // x times one of the constants above
+    template <class X>
+    static X of(X x) { return x * K; }
+};
+struct HueDiv8 {  // (H x 360) / 255
+    template <class X>
+    static X of(X h) { return (h * 360.0f) / 255.0f; }
+};
+struct Hue32f {  // H x 360
+    template <class X>
+    static X of(X h) { return h * 360.0f; }
+};
+struct UnitDiv8 {  // x / 255
+    template <class X>
+    static X of(X x) { return x / 255.0f; }
+};
+struct AsIs {
+    template <class X>
+    static X of(X x) { return x; }
+};
+using HueMul8 = MulBy<kHueIn8>;
+using HueMul16 = MulBy<kHueIn16>;
+using UnitMul8 = MulBy<kUnit8>;
+using UnitMul16 = MulBy<kUnit16>;
+
+// Upper level m2 for L at most 0.5.
+struct M2LowProduct {  // (L x S) + L; the same numbers as L + (L x S) and (S x L) + L
+    template <class X>
+    static X of(X L, X S) { return (L * S) + L; }
+};
+struct M2LowScaled {  // (S + 1) x L
+    template <class X>
+    static X of(X L, X S) { return (S + 1.0f) * L; }
+};
+// Upper level m2 for L above 0.5.
+struct M2HighDiff {  // (S - (L x S)) + L
+    template <class X>
+    static X of(X L, X S) { return (S - (L * S)) + L; }
+};
+struct M2HighSum {  // (L + S) - (S x L); the same numbers as (S + L) - (L x S)
+    template <class X>
+    static X of(X L, X S) { return (L + S) - (S * L); }
+};
+
+// Rising and falling edges of the ramp between m1 and m2 (d = m2 - m1).
+struct EdgeTD {  // ((t x d) x c60) + m1, (((240 - t) x d) x c60) + m1
+    template <class X>
+    static X rise(X t, X d, X m1) { return ((t * d) * kC60) + m1; }
+    template <class X>
+    static X fall(X t, X d, X m1) { return (((240.0f - t) * d) * kC60) + m1; }
+};
+struct EdgeDiv {  // ((d x t) / 60) + m1, ((d x (240 - t)) / 60) + m1
+    template <class X>
+    static X rise(X t, X d, X m1) { return ((d * t) / 60.0f) + m1; }
+    template <class X>
+    static X fall(X t, X d, X m1) { return ((d * (240.0f - t)) / 60.0f) + m1; }
+};
+struct EdgeTC {  // ((t x c60) x d) + m1, (((240 - t) x c60) x d) + m1; c60 x t is the same
+    template <class X>
+    static X rise(X t, X d, X m1) { return ((t * kC60) * d) + m1; }
+    template <class X>
+    static X fall(X t, X d, X m1) { return (((240.0f - t) * kC60) * d) + m1; }
+};
+
+// ramp(t): below 60 rising, below 180 m2, below 240 falling, else m1;
+// exactly 60, 180 and 240 belong to the branch above.
+template <class Edge, class X>
+inline X ramp(X t, X m1, X m2, X d) {
+    X v = pick(lt(t, 240.0f), Edge::fall(t, d, m1), m1);
+    v = pick(lt(t, 180.0f), m2, v);
+    return pick(lt(t, 60.0f), Edge::rise(t, d, m1), v);
+}
+
+// Hue positions of the three channels: R one third ahead (wrapped above 360),
+// G at the hue, B one third behind (wrapped below 0).
+template <class X>
+inline X posR(X hd) {
+    const X t = hd + 120.0f;
+    return pick(gt(t, 360.0f), t - 360.0f, t);
+}
+template <class X>
+inline X posB(X hd) {
+    const X t = hd - 120.0f;
+    return pick(lt(t, 0.0f), t + 360.0f, t);
+}
+
+// What S equal to 0 gives.
+enum class Grey {
+    Ramp,    // nothing special: the levels meet at L
+    Level,   // every channel L (on 0..1), converted like any value
+    Sample,  // every channel the L sample itself, copied
+};
+
+// To a sample: value x F, then Conv; or the float itself.
+template <int F, class Conv>
+struct ToSample {
+    using Word = typename Conv::Word;
+    template <class X>
+    static auto of(X v) { return Conv::of(v * static_cast<float>(F)); }
+};
+struct ToFloat {
+    using Word = float;
+    template <class X>
+    static auto of(X v) { return AsFloat::of(v); }
+};
+
+// ------------------------------------------------------------ inverse, one form
+template <class HueIn, class UnitIn, class M2Low, class M2High, class Edge, Grey G, class Out>
+struct Inv {
+    using Word = typename Out::Word;
+
+    template <class X>
+    static void values(X h, X l, X s, X (&v)[3], X& lf) {
+        const X hd = HueIn::of(h);
+        lf = UnitIn::of(l);
+        const X sf = UnitIn::of(s);
+        const X m2 = pick(le(lf, 0.5f), M2Low::of(lf, sf), M2High::of(lf, sf));
+        const X m1 = (lf + lf) - m2;  // the same numbers as (2 x L) - m2
+        const X d = m2 - m1;
+        v[0] = ramp<Edge>(posR(hd), m1, m2, d);
+        v[1] = ramp<Edge>(hd, m1, m2, d);
+        v[2] = ramp<Edge>(posB(hd), m1, m2, d);
+        if constexpr (G == Grey::Level) {
+            const auto grey = eq(sf, 0.0f);
+            for (auto& c : v) c = pick(grey, lf, c);
+        }
+    }
+
+    static void apply(const VF (&in)[3], V (&o)[3]) {
+        static_assert(G != Grey::Sample, "the vector steps have no sample copy");
+        VF v[3], lf;
+        values(in[0], in[1], in[2], v, lf);
+        for (int k = 0; k < 3; ++k) o[k] = Out::of(v[k]);
+    }
+
+    static void apply(const float (&in)[3], Word (&o)[3]) {
+        if constexpr (G == Grey::Sample) {
+            if (UnitIn::of(in[2]) == 0.0f) {
+                o[0] = o[1] = o[2] = static_cast<Word>(in[1]);
+                return;
+            }
+        }
+        float v[3], lf;
+        values(in[0], in[1], in[2], v, lf);
+        for (int k = 0; k < 3; ++k) o[k] = Out::of(v[k]);
+    }
+};
+
+// ------------------------------------------------------------ the paths
+// Forward (H, L, S out): main path, tail.
+using Fwd1Main = FwdMain<Scale8, Estimate, Nearest>;     // 8u RGB
+using Fwd1Tail = FwdTail<Scale8, Trunc>;                 // 8u RGB C3, 8u BGR
+using Fwd1TailNearest = FwdTail<Scale8, Nearest>;        // 8u RGB AC4
+using Fwd2Main = FwdMain<Scale16, Refined, Nearest>;     // 16u, 16s
+using Fwd2Tail = FwdTail<Scale16, Trunc>;
+using Fwd3Main = FwdMainBgr;                             // 8u BGR
+using Fwd4 = FwdFloat;                                   // 32f
+
+// Inverse (R, G, B out).
+using Inv1Main = Inv<HueMul8, UnitMul8, M2LowProduct, M2HighDiff, EdgeTD, Grey::Ramp, ToSample<255, Nearest>>;
+using Inv1Tail = Inv<HueDiv8, UnitDiv8, M2LowScaled, M2HighSum, EdgeDiv, Grey::Level, ToSample<255, Trunc>>;
+using Inv2Main = Inv<HueMul16, UnitMul16, M2LowProduct, M2HighDiff, EdgeTC, Grey::Ramp, ToSample<65535, Nearest>>;
+using Inv2Tail = Inv<HueMul16, UnitMul16, M2LowProduct, M2HighSum, EdgeTC, Grey::Sample, ToSample<65535, Nearest>>;
+using Inv3Main = Inv<HueMul8, UnitMul8, M2LowProduct, M2HighSum, EdgeTC, Grey::Level, ToSample<255, Trunc>>;
+using Inv3Tail = Inv<HueMul8, UnitMul8, M2LowProduct, M2HighSum, EdgeTC, Grey::Sample, ToSample<255, Trunc>>;
+using Inv4Main = Inv<Hue32f, AsIs, M2LowProduct, M2HighSum, EdgeTC, Grey::Level, ToFloat>;
+using Inv4Tail = Inv<Hue32f, AsIs, M2LowScaled, M2HighSum, EdgeDiv, Grey::Level, ToFloat>;
+
+}  // namespace kro::hls

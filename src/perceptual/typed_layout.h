@@ -1,0 +1,386 @@
+// Typed pixel layouts for kernels that compute in four float lanes: 8u, 16u,
+// 16s and 32f samples, interleaved (three or four samples a pixel, RGB or BGR
+// order) or planar (three or four planes).
+//
+// A block is four pixels: each colour channel as four float lanes (the sample
+// converted exactly, 16s with its bias of 32768 added), the fourth channel as
+// raw samples in the low bytes of one register. Results come back as four
+// 32-bit words a channel: integers that the store narrows with saturating
+// pack steps, or the float bits themselves for 32f.
+//
+// Steps are in samples (the entry shifts byte steps); rows advance by them.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "frame/forms.h"
+
+namespace kro::typed {
+
+// ------------------------------------------------------------ sample types
+template <class T>
+struct Sample;
+
+template <>
+struct Sample<uint8_t> {
+    using Word = int;  // what a scalar result is before it becomes a sample
+    static constexpr int kSize = 1;
+    static VF widen(V raw) { return _mm_cvtepi32_ps(_mm_cvtepu8_epi32(raw)); }
+    // 32-bit lanes to bytes, each limited to 0..255 (two pack steps)
+    static V narrow(V w) {
+        const V h = _mm_packs_epi32(w, w);
+        return _mm_packus_epi16(h, h);
+    }
+    static float toFloat(uint8_t s) { return static_cast<float>(s); }
+    static uint8_t fromWord(int w) { return static_cast<uint8_t>(w); }
+};
+
+template <>
+struct Sample<uint16_t> {
+    using Word = int;
+    static constexpr int kSize = 2;
+    static VF widen(V raw) { return _mm_cvtepi32_ps(_mm_cvtepu16_epi32(raw)); }
+    static V narrow(V w) { return _mm_packus_epi32(w, w); }  // limited to 0..65535
+    static float toFloat(uint16_t s) { return static_cast<float>(s); }
+    static uint16_t fromWord(int w) { return static_cast<uint16_t>(w); }
+};
+
+// Signed 16-bit samples: the unsigned computation with 32768 added on the way
+// in and taken off on the way out.
+template <>
+struct Sample<int16_t> {
+    using Word = int;
+    static constexpr int kSize = 2;
+    static VF widen(V raw) {
+        return _mm_cvtepi32_ps(_mm_add_epi32(_mm_cvtepi16_epi32(raw), _mm_set1_epi32(32768)));
+    }
+    // limited to 0..65535, then minus 32768 (the top bit flipped)
+    static V narrow(V w) { return _mm_xor_si128(_mm_packus_epi32(w, w), _mm_set1_epi16(-32768)); }
+    static float toFloat(int16_t s) { return static_cast<float>(s + 32768); }
+    static int16_t fromWord(int w) { return static_cast<int16_t>(static_cast<uint16_t>(w - 32768)); }
+};
+
+template <>
+struct Sample<float> {
+    using Word = float;
+    static constexpr int kSize = 4;
+    static VF widen(V raw) { return _mm_castsi128_ps(raw); }
+    static V narrow(V w) { return w; }  // the words are the float bits
+    static float toFloat(float s) { return s; }
+    static float fromWord(float w) { return w; }
+};
+
+// ------------------------------------------------------------ shuffle tables
+struct Mask {
+    alignas(16) int8_t b[16];
+};
+
+// Four pixels of Cn samples of Sz bytes span NV registers.
+template <int Cn, int Sz>
+struct Shape {
+    static constexpr int kBytes = 4 * Cn * Sz;
+    static constexpr int kVecs = (kBytes + 15) / 16;
+};
+
+template <int Cn, int Sz>
+struct Tables {
+    static constexpr int NV = Shape<Cn, Sz>::kVecs;
+    Mask gather[NV][Cn];   // channel c of the four pixels, from register v, into the low 4*Sz bytes
+    Mask scatter[NV][Cn];  // register v of the interleaved block, the bytes channel c gives
+    Mask fourth[NV];       // bytes of register v that belong to the fourth channel
+};
+
+template <int Cn, int Sz>
+constexpr Tables<Cn, Sz> makeTables() {
+    Tables<Cn, Sz> t{};
+    for (int v = 0; v < Tables<Cn, Sz>::NV; ++v) {
+        for (int c = 0; c < Cn; ++c)
+            for (int j = 0; j < 16; ++j) {
+                int g = -128;
+                if (j < 4 * Sz) {
+                    const int s = (Cn * (j / Sz) + c) * Sz + j % Sz;
+                    if (s / 16 == v) g = s % 16;
+                }
+                t.gather[v][c].b[j] = static_cast<int8_t>(g);
+                const int s = 16 * v + j, e = s / Sz;
+                t.scatter[v][c].b[j] = static_cast<int8_t>(e % Cn == c ? (e / Cn) * Sz + s % Sz : -128);
+            }
+        for (int j = 0; j < 16; ++j) {
+            const int e = (16 * v + j) / Sz;
+            t.fourth[v].b[j] = static_cast<int8_t>(Cn == 4 && e % Cn == 3 ? -1 : 0);
+        }
+    }
+    return t;
+}
+
+template <int Cn, int Sz>
+inline constexpr Tables<Cn, Sz> kTables = makeTables<Cn, Sz>();
+
+inline V mask(const Mask& m) { return _mm_load_si128(reinterpret_cast<const V*>(m.b)); }
+
+// Exactly Bytes bytes (a multiple of 4) into registers; the rest of the last is zero.
+template <int Bytes>
+inline void loadExact(const void* src, V* r) {
+    const auto* p = static_cast<const uint8_t*>(src);
+    int v = 0;
+    for (; (v + 1) * 16 <= Bytes; ++v) r[v] = _mm_loadu_si128(reinterpret_cast<const V*>(p + 16 * v));
+    constexpr int rest = Bytes % 16;
+    if constexpr (rest >= 8) r[v] = _mm_loadl_epi64(reinterpret_cast<const V*>(p + 16 * v));
+    if constexpr (rest == 4) {
+        int w;
+        __builtin_memcpy(&w, p + 16 * v, 4);
+        r[v] = _mm_cvtsi32_si128(w);
+    }
+    if constexpr (rest == 12) {
+        int w;
+        __builtin_memcpy(&w, p + 16 * v + 8, 4);
+        r[v] = _mm_insert_epi32(r[v], w, 2);
+    }
+}
+
+// Exactly Bytes bytes out of registers; Aligned: whole registers go to 16-byte-aligned addresses.
+template <int Bytes, bool Aligned = false>
+inline void storeExact(void* dst, const V* r) {
+    auto* p = static_cast<uint8_t*>(dst);
+    int v = 0;
+    for (; (v + 1) * 16 <= Bytes; ++v) {
+        if constexpr (Aligned)
+            _mm_store_si128(reinterpret_cast<V*>(p + 16 * v), r[v]);
+        else
+            _mm_storeu_si128(reinterpret_cast<V*>(p + 16 * v), r[v]);
+    }
+    constexpr int rest = Bytes % 16;
+    if constexpr (rest >= 8) _mm_storel_epi64(reinterpret_cast<V*>(p + 16 * v), r[v]);
+    if constexpr (rest == 4) {
+        const int w = _mm_cvtsi128_si32(r[v]);
+        __builtin_memcpy(p + 16 * v, &w, 4);
+    }
+    if constexpr (rest == 12) {
+        const int w = _mm_extract_epi32(r[v], 2);
+        __builtin_memcpy(p + 16 * v + 8, &w, 4);
+    }
+}
+
+template <class T>
+inline T* rowAt(T* base, int step, int y) {
+    return base + static_cast<std::ptrdiff_t>(y) * step;
+}
+
+// ------------------------------------------------------------ blocks and pixels
+struct Block {
+    VF c[3];  // colour channels in the model's order, as floats
+    V fourth; // the fourth channel's raw samples, low bytes (where the source has one)
+};
+
+template <class T>
+struct Pixel {
+    float c[3];
+    T fourth;
+};
+
+// What a destination with a fourth channel does with it.
+enum class Fourth {
+    None,     // three samples a pixel (or three planes)
+    Keep,     // left as it was
+    FromSrc,  // the source's fourth channel, copied exactly
+};
+
+// ------------------------------------------------------------ interleaved source
+template <class T, int Cn, bool Swap>
+struct SrcC {
+    static constexpr int Sz = Sample<T>::kSize;
+    static constexpr int kPlanes = 0;
+    const T* base;
+    int step;
+    struct Row {
+        using Type = T;
+        const T* p;
+        void load4(int x, Block& b) const {
+            constexpr int NV = Shape<Cn, Sz>::kVecs;
+            const auto& t = kTables<Cn, Sz>;
+            V in[NV];
+            loadExact<Shape<Cn, Sz>::kBytes>(p + Cn * x, in);
+            V ch[Cn];
+            for (int c = 0; c < Cn; ++c) {
+                V acc = _mm_shuffle_epi8(in[0], mask(t.gather[0][c]));
+                for (int v = 1; v < NV; ++v) acc = _mm_or_si128(acc, _mm_shuffle_epi8(in[v], mask(t.gather[v][c])));
+                ch[c] = acc;
+            }
+            for (int k = 0; k < 3; ++k) b.c[k] = Sample<T>::widen(ch[Swap ? 2 - k : k]);
+            b.fourth = Cn == 4 ? ch[Cn - 1] : zero();
+        }
+        void get(int x, Pixel<T>& px) const {
+            const T* q = p + Cn * x;
+            for (int k = 0; k < 3; ++k) px.c[k] = Sample<T>::toFloat(q[Swap ? 2 - k : k]);
+            px.fourth = Cn == 4 ? q[Cn - 1] : T{};
+        }
+    };
+    Row row(int y) const { return {rowAt(base, step, y)}; }
+};
+
+// ------------------------------------------------------------ planar source
+// Swap: planes 0 and 2 hold the model's channels 2 and 0 (BGR planes).
+template <class T, int K, bool Swap>
+struct SrcP {
+    static constexpr int Sz = Sample<T>::kSize;
+    static constexpr int kPlanes = K;
+    const T* const* planes;
+    int step;
+    struct Row {
+        using Type = T;
+        const T* p[K];
+        void load4(int x, Block& b) const {
+            V in[1];
+            for (int k = 0; k < 3; ++k) {
+                loadExact<4 * Sz>(p[Swap ? 2 - k : k] + x, in);
+                b.c[k] = Sample<T>::widen(in[0]);
+            }
+            if constexpr (K == 4) {
+                loadExact<4 * Sz>(p[3] + x, in);
+                b.fourth = in[0];
+            } else {
+                b.fourth = zero();
+            }
+        }
+        void get(int x, Pixel<T>& px) const {
+            for (int k = 0; k < 3; ++k) px.c[k] = Sample<T>::toFloat(p[Swap ? 2 - k : k][x]);
+            px.fourth = K == 4 ? p[K - 1][x] : T{};
+        }
+    };
+    Row row(int y) const {
+        Row r{};
+        for (int k = 0; k < K; ++k) r.p[k] = rowAt(planes[k], step, y);
+        return r;
+    }
+};
+
+// ------------------------------------------------------------ interleaved destination
+// Keep on integer samples reads the destination's block back and rewrites the
+// fourth channel's bytes unchanged (the row must be readable); on 32f it
+// writes the three colour samples of each pixel alone.
+template <class T, int Cn, bool Swap, Fourth F>
+struct DstC {
+    static_assert((Cn == 3) == (F == Fourth::None), "three samples a pixel have no fourth channel");
+    static constexpr int Sz = Sample<T>::kSize;
+    static constexpr int kPlanes = 0;
+    T* base;
+    int step;
+    struct Row {
+        using Type = T;
+        T* p;
+        bool aligned() const { return (reinterpret_cast<uintptr_t>(p) & 15) == 0; }
+        template <bool Aligned = false>
+        void store4(int x, const V (&w)[3], V fourth) const {
+            constexpr int NV = Shape<Cn, Sz>::kVecs;
+            const auto& t = kTables<Cn, Sz>;
+            V ch[4];
+            for (int k = 0; k < 3; ++k) ch[Swap ? 2 - k : k] = Sample<T>::narrow(w[k]);
+            ch[3] = fourth;
+            constexpr int colours = F == Fourth::FromSrc ? 4 : 3;
+            V out[NV];
+            for (int v = 0; v < NV; ++v) {
+                V acc = _mm_shuffle_epi8(ch[0], mask(t.scatter[v][0]));
+                for (int c = 1; c < colours; ++c) acc = _mm_or_si128(acc, _mm_shuffle_epi8(ch[c], mask(t.scatter[v][c])));
+                out[v] = acc;
+            }
+            T* q = p + Cn * x;
+            if constexpr (F == Fourth::Keep && Sz == 4) {
+                // one pixel a register: three samples written, the fourth untouched
+                for (int v = 0; v < NV; ++v) storeExact<12>(q + 4 * v, &out[v]);
+                return;
+            } else if constexpr (F == Fourth::Keep) {
+                V old[NV];
+                loadExact<Shape<Cn, Sz>::kBytes>(q, old);
+                for (int v = 0; v < NV; ++v) out[v] = _mm_or_si128(out[v], _mm_and_si128(old[v], mask(t.fourth[v])));
+            }
+            storeExact<Shape<Cn, Sz>::kBytes, Aligned>(q, out);
+        }
+        void put(int x, const typename Sample<T>::Word (&o)[3], T fourth) const {
+            T* q = p + Cn * x;
+            for (int k = 0; k < 3; ++k) q[Swap ? 2 - k : k] = Sample<T>::fromWord(o[k]);
+            if constexpr (F == Fourth::FromSrc) q[3] = fourth;
+        }
+    };
+    Row row(int y) const { return {rowAt(base, step, y)}; }
+};
+
+// ------------------------------------------------------------ planar destination
+// K planes; a fourth plane receives the source's fourth channel.
+template <class T, int K, bool Swap>
+struct DstP {
+    static constexpr int Sz = Sample<T>::kSize;
+    static constexpr int kPlanes = K;
+    T* const* planes;
+    int step;
+    struct Row {
+        using Type = T;
+        T* p[K];
+        bool aligned() const { return false; }
+        template <bool Aligned = false>
+        void store4(int x, const V (&w)[3], V fourth) const {
+            for (int k = 0; k < 3; ++k) {
+                const V n = Sample<T>::narrow(w[k]);
+                storeExact<4 * Sz>(p[Swap ? 2 - k : k] + x, &n);
+            }
+            if constexpr (K == 4) storeExact<4 * Sz>(p[3] + x, &fourth);
+        }
+        void put(int x, const typename Sample<T>::Word (&o)[3], T fourth) const {
+            for (int k = 0; k < 3; ++k) p[Swap ? 2 - k : k][x] = Sample<T>::fromWord(o[k]);
+            if constexpr (K == 4) p[3][x] = fourth;
+        }
+    };
+    Row row(int y) const {
+        Row r{};
+        for (int k = 0; k < K; ++k) r.p[k] = rowAt(planes[k], step, y);
+        return r;
+    }
+};
+
+// ------------------------------------------------------------ row kernel and region driver
+// Pixels 0 .. (width & ~(B - 1)) - 1 go through the vector form four at a time,
+// the rest through the scalar tail form; B = 1: the whole row is scalar.
+// ByAlignment: rows whose destination is 16-byte aligned store whole registers
+// with aligned stores (same bytes as the general sequence).
+template <int B, class VecForm, class TailForm, bool ByAlignment = false>
+struct KernelF {
+    static_assert(B == 1 || B == 4 || B == 8, "blocks of 4 or 8 pixels, or scalar only");
+
+    template <bool Aligned, class SRow, class DRow>
+    static int mainPath(const SRow& s, const DRow& d, int width) {
+        const int n = width & ~(B - 1);
+        for (int x = 0; x < n; x += 4) {
+            Block b;
+            s.load4(x, b);
+            V w[3];
+            VecForm::apply(b.c, w);
+            d.template store4<Aligned>(x, w, b.fourth);
+        }
+        return n;
+    }
+
+    template <class SRow, class DRow>
+    static void row(const SRow& s, const DRow& d, int width) {
+        int x = 0;
+        if constexpr (B > 1) {
+            if (ByAlignment && d.aligned())
+                x = mainPath<true>(s, d, width);
+            else
+                x = mainPath<false>(s, d, width);
+        }
+        for (; x < width; ++x) {
+            Pixel<typename SRow::Type> px;
+            s.get(x, px);
+            typename Sample<typename DRow::Type>::Word o[3];
+            TailForm::apply(px.c, o);
+            d.put(x, o, px.fourth);
+        }
+    }
+
+    template <class Src, class Dst>
+    static void region(const Src& src, const Dst& dst, kroiSize roi) {
+        for (int y = 0; y < roi.height; ++y) row(src.row(y), dst.row(y), roi.width);
+    }
+};
+
+}  // namespace kro::typed
