@@ -125,6 +125,22 @@ KroStatus kroiYUVToRGB_8u_P3R(const Kro8u* const pSrc[3], int srcStep, Kro8u* co
 /* ------------------------------------------------------------ encoding into subsampled formats */
 
 /* ------------------------------------------------------------ decoding subsampled formats */
+/* 4:2:0 luma and Cb Cr pairs to BGR. */
+KroStatus kroiYCbCr420ToBGR_8u_P2C3R(const Kro8u* pSrcY, int srcYStep, const Kro8u* pSrcCbCr, int srcCbCrStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+/* 4:2:0 luma and Cb Cr pairs to BGRA (fourth sample aval). */
+KroStatus kroiYCbCr420ToBGR_8u_P2C4R(const Kro8u* pSrcY, int srcYStep, const Kro8u* pSrcCbCr, int srcCbCrStep, Kro8u* pDst, int dstStep, kroiSize roiSize, Kro8u aval);
+/* 4:2:0 luma and Cb Cr pairs to RGB. */
+KroStatus kroiYCbCr420ToRGB_8u_P2C3R(const Kro8u* pSrcY, int srcYStep, const Kro8u* pSrcCbCr, int srcCbCrStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+/* 4:2:0 luma and Cb Cr pairs to RGBA (fourth sample aval). */
+KroStatus kroiYCbCr420ToRGB_8u_P2C4R(const Kro8u* pSrcY, int srcYStep, const Kro8u* pSrcCbCr, int srcCbCrStep, Kro8u* pDst, int dstStep, kroiSize roiSize, Kro8u aval);
+/* 4:2:0 luma and Cr Cb pairs to BGR. */
+KroStatus kroiYCrCb420ToBGR_8u_P2C3R(const Kro8u* pSrcY, int srcYStep, const Kro8u* pSrcCbCr, int srcCbCrStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+/* 4:2:0 luma and Cr Cb pairs to BGRA (fourth sample aval); tests the size first. */
+KroStatus kroiYCrCb420ToBGR_8u_P2C4R(const Kro8u* pSrcY, int srcYStep, const Kro8u* pSrcCbCr, int srcCbCrStep, Kro8u* pDst, int dstStep, kroiSize roiSize, Kro8u aval);
+/* 4:2:0 luma and Cr Cb pairs to RGB. */
+KroStatus kroiYCrCb420ToRGB_8u_P2C3R(const Kro8u* pSrcY, int srcYStep, const Kro8u* pSrcCbCr, int srcCbCrStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+/* 4:2:0 luma and Cr Cb pairs to RGBA (fourth sample aval); tests the size first. */
+KroStatus kroiYCrCb420ToRGB_8u_P2C4R(const Kro8u* pSrcY, int srcYStep, const Kro8u* pSrcCbCr, int srcCbCrStep, Kro8u* pDst, int dstStep, kroiSize roiSize, Kro8u aval);
 
 #ifdef __cplusplus
 }
