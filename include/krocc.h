@@ -125,10 +125,14 @@ KroStatus kroiYUVToRGB_8u_P3R(const Kro8u* const pSrc[3], int srcStep, Kro8u* co
 /* ------------------------------------------------------------ encoding into subsampled formats */
 
 /* ------------------------------------------------------------ decoding subsampled formats */
+/* 4:2:0 planes to BGRA (fourth sample aval), full-swing BT.709. */
+KroStatus kroiYCbCr420ToBGR_709HDTV_8u_P3C4R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* pDst, int dstStep, kroiSize roiSize, Kro8u aval);
 /* 4:2:0 luma and Cb Cr pairs to BGR. */
 KroStatus kroiYCbCr420ToBGR_8u_P2C3R(const Kro8u* pSrcY, int srcYStep, const Kro8u* pSrcCbCr, int srcCbCrStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
 /* 4:2:0 luma and Cb Cr pairs to BGRA (fourth sample aval). */
 KroStatus kroiYCbCr420ToBGR_8u_P2C4R(const Kro8u* pSrcY, int srcYStep, const Kro8u* pSrcCbCr, int srcCbCrStep, Kro8u* pDst, int dstStep, kroiSize roiSize, Kro8u aval);
+/* 4:2:0 planes to BGRA (fourth sample aval). */
+KroStatus kroiYCbCr420ToBGR_8u_P3C4R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* pDst, int dstStep, kroiSize roiSize, Kro8u aval);
 /* 4:2:0 luma and Cb Cr pairs to RGB. */
 KroStatus kroiYCbCr420ToRGB_8u_P2C3R(const Kro8u* pSrcY, int srcYStep, const Kro8u* pSrcCbCr, int srcCbCrStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
 /* 4:2:0 luma and Cb Cr pairs to RGBA (fourth sample aval). */
@@ -141,6 +145,28 @@ KroStatus kroiYCrCb420ToBGR_8u_P2C4R(const Kro8u* pSrcY, int srcYStep, const Kro
 KroStatus kroiYCrCb420ToRGB_8u_P2C3R(const Kro8u* pSrcY, int srcYStep, const Kro8u* pSrcCbCr, int srcCbCrStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
 /* 4:2:0 luma and Cr Cb pairs to RGBA (fourth sample aval); tests the size first. */
 KroStatus kroiYCrCb420ToRGB_8u_P2C4R(const Kro8u* pSrcY, int srcYStep, const Kro8u* pSrcCbCr, int srcCbCrStep, Kro8u* pDst, int dstStep, kroiSize roiSize, Kro8u aval);
+/* 4:2:0 YUV planes to BGR; at least 2 x 2. */
+KroStatus kroiYUV420ToBGR_8u_P3C3R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* pDst, int dstStep, kroiSize roiSize);
+/* 4:2:0 YUV planes to RGBA with the fourth sample 0. */
+KroStatus kroiYUV420ToRGB_8u_P3AC4R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* pDst, int dstStep, kroiSize roiSize);
+/* 4:2:0 YUV planes to RGB. */
+KroStatus kroiYUV420ToRGB_8u_P3C3R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* pDst, int dstStep, kroiSize roiSize);
+/* 4:2:0 YUV planes to RGB, rows packed without steps. */
+KroStatus kroiYUV420ToRGB_8u_P3C3(const Kro8u* const pSrc[3], Kro8u* pDst, kroiSize roiSize);
+/* 4:2:0 YUV planes to RGB planes (one destination step). */
+KroStatus kroiYUV420ToRGB_8u_P3R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* const pDst[3], int dstStep, kroiSize roiSize);
+/* 4:2:0 YUV planes to RGB planes, rows packed without steps. */
+KroStatus kroiYUV420ToRGB_8u_P3(const Kro8u* const pSrc[3], Kro8u* const pDst[3], kroiSize roiSize);
+/* 4:2:2 YUV planes to RGBA with the fourth sample 0. */
+KroStatus kroiYUV422ToRGB_8u_P3AC4R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* pDst, int dstStep, kroiSize roiSize);
+/* 4:2:2 YUV planes to RGB. */
+KroStatus kroiYUV422ToRGB_8u_P3C3R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* pDst, int dstStep, kroiSize roiSize);
+/* 4:2:2 YUV planes to RGB, rows packed without steps. */
+KroStatus kroiYUV422ToRGB_8u_P3C3(const Kro8u* const pSrc[3], Kro8u* pDst, kroiSize roiSize);
+/* 4:2:2 YUV planes to RGB planes (one destination step). */
+KroStatus kroiYUV422ToRGB_8u_P3R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* const pDst[3], int dstStep, kroiSize roiSize);
+/* 4:2:2 YUV planes to RGB planes, rows packed without steps. */
+KroStatus kroiYUV422ToRGB_8u_P3(const Kro8u* const pSrc[3], Kro8u* const pDst[3], kroiSize roiSize);
 
 #ifdef __cplusplus
 }

@@ -50,6 +50,7 @@ struct DecOp {
     int minW, minH;
     Call call;
     bool stepless = false;  // no steps: the call derives them
+    bool oneRow = false;    // stepless 4:2:2: an even width and 256 pixels or more run as one row of W x H
 };
 
 inline bool is420(const DecOp& c) { return c.bh == 2; }
@@ -147,11 +148,14 @@ inline std::vector<std::vector<uint8_t>> expected(const DecOp& c, const Image& s
     const int rows = is420(c) ? h / 2 * 2 : h;
     const int whole = w / c.bw * c.bw;
     const int span = spanOf(c, w, whole);
+    const bool oneRow = c.oneRow && w % 2 == 0 && int64_t(w) * h >= 256;
+    const int64_t imageSpan = int64_t(w) * h / 16 * 16;
     for (int y = 0; y < rows; ++y) {
         for (int x = 0; x < whole; ++x) {
             int Y, Cb, Cr;
             readYCbCr(c, s, x, y, Y, Cb, Cr);
-            writePixel(c, d, snap, x, y, (x < span ? c.mainForm : c.tailForm)(Y, Cb, Cr), aval);
+            const bool main = oneRow ? int64_t(y) * w + x < imageSpan : x < span;
+            writePixel(c, d, snap, x, y, (main ? c.mainForm : c.tailForm)(Y, Cb, Cr), aval);
         }
         if (whole == w || c.odd == OddR::Unwritten) continue;
         if (c.odd == OddR::Plain) {
@@ -398,6 +402,37 @@ inline Call call(P3C3NoStep f) {
 }
 inline Call call(P3NoStep f) {
     return [f](const Kro8u* const* s, const int*, Kro8u* const* d, int, kroiSize r, Kro8u) { return f(s, d, r); };
+}
+
+}  // namespace kt::dec
+
+namespace kt::dec {
+
+// The same image through the aligned path (addresses and steps multiples of 16)
+// and through the unaligned one (a step or address off by 4): both must give
+// the reference's bytes, and the same bytes as each other.
+inline void alignedTwins(const DecOp& c, int w, int h) {
+    auto padTo16 = [](int bytes) { return (16 - bytes % 16) % 16; };
+    const int srcRow = c.src == Src::C2 ? 2 * w : w;
+    const int dstRow = w * dstBytesPerPixel(c.dst);
+    for (int variant = 0; variant < 3; ++variant) {
+        // 0: all aligned; 1: destination step off; 2: source step off
+        Image s = makeSource(c, w, h, padTo16(srcRow) + (variant == 2 ? 4 : 0), Guard::Before, false);
+        Image dA = makeDest(c, w, h, padTo16(dstRow), Guard::Before, false);
+        Image dB = makeDest(c, w, h, padTo16(dstRow) + (variant == 1 ? 4 : 0), Guard::Before, false);
+        ASSERT_EQ(reinterpret_cast<uintptr_t>(dA.planes[0].origin()) % 16, 0u);
+        auto so = origins(s);
+        auto ss = steps(s);
+        auto want = expected(c, s, dB, w, h, 33);
+        auto oB = dstOrigins(dB);
+        ASSERT_EQ(c.call(so.data(), ss.data(), oB.data(), dB.planes[0].step, {w, h}, 33), wantStatus(c, w, h));
+        ASSERT_EQ(compare(c, dB, want), "") << c.name << " variant " << variant;
+        auto oA = dstOrigins(dA);
+        ASSERT_EQ(c.call(so.data(), ss.data(), oA.data(), dA.planes[0].step, {w, h}, 33), wantStatus(c, w, h));
+        for (int y = 0; y < h; ++y)
+            ASSERT_EQ(0, std::memcmp(dA.planes[0].row(y), dB.planes[0].row(y), size_t(dstRow)))
+                << c.name << " variant " << variant << " row " << y;
+    }
 }
 
 }  // namespace kt::dec
