@@ -113,6 +113,34 @@ KroStatus kroiYUVToRGB_8u_P3C3R(const Kro8u* const pSrc[3], int srcStep, Kro8u* 
 KroStatus kroiYUVToRGB_8u_P3R(const Kro8u* const pSrc[3], int srcStep, Kro8u* const pDst[3], int dstStep, kroiSize roiSize);
 
 /* ------------------------------------------------------------ RGB/BGR <-> YCbCr (8u) */
+/* Interleaved RGB to interleaved YCbCr (studio range). */
+KroStatus kroiRGBToYCbCr_8u_C3R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+/* RGBA to YCbCr with four samples a pixel; the fourth is set to 0 by the 16-pixel steps and left as it was in the rest of the row. */
+KroStatus kroiRGBToYCbCr_8u_AC4R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+/* Interleaved RGB to three YCbCr planes. */
+KroStatus kroiRGBToYCbCr_8u_C3P3R(const Kro8u* pSrc, int srcStep, Kro8u* const pDst[3], int dstStep, kroiSize roiSize);
+/* RGBA to three YCbCr planes; alpha is not read. */
+KroStatus kroiRGBToYCbCr_8u_AC4P3R(const Kro8u* pSrc, int srcStep, Kro8u* const pDst[3], int dstStep, kroiSize roiSize);
+/* RGB planes to YCbCr planes. */
+KroStatus kroiRGBToYCbCr_8u_P3R(const Kro8u* const pSrc[3], int srcStep, Kro8u* const pDst[3], int dstStep, kroiSize roiSize);
+/* Interleaved YCbCr to interleaved RGB. */
+KroStatus kroiYCbCrToRGB_8u_C3R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+/* YCbCr with four samples a pixel to RGBA; the destination's fourth sample is left as it was. */
+KroStatus kroiYCbCrToRGB_8u_AC4R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+/* YCbCr planes to interleaved RGB. */
+KroStatus kroiYCbCrToRGB_8u_P3C3R(const Kro8u* const pSrc[3], int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+/* YCbCr planes to interleaved BGR. */
+KroStatus kroiYCbCrToBGR_8u_P3C3R(const Kro8u* const pSrc[3], int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+/* YCbCr planes to RGBA with the fourth sample set to aval. */
+KroStatus kroiYCbCrToRGB_8u_P3C4R(const Kro8u* const pSrc[3], int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize, Kro8u aval);
+/* YCbCr planes to BGRA with the fourth sample set to aval. */
+KroStatus kroiYCbCrToBGR_8u_P3C4R(const Kro8u* const pSrc[3], int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize, Kro8u aval);
+/* YCbCr planes to RGB planes. */
+KroStatus kroiYCbCrToRGB_8u_P3R(const Kro8u* const pSrc[3], int srcStep, Kro8u* const pDst[3], int dstStep, kroiSize roiSize);
+/* YCbCr planes to interleaved BGR by the BT.709 inverse. */
+KroStatus kroiYCbCrToBGR_709CSC_8u_P3C3R(const Kro8u* const pSrc[3], int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+/* YCbCr planes to BGRA by the BT.709 inverse, the fourth sample set to aval. */
+KroStatus kroiYCbCrToBGR_709CSC_8u_P3C4R(const Kro8u* const pSrc[3], int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize, Kro8u aval);
 
 /* ------------------------------------------------------------ RGB <-> XYZ */
 

@@ -65,48 +65,7 @@ TEST_P(YuvOp, MatchesReferenceAtEveryColumn) { sweep(yuvOps()[GetParam()]); }
 TEST_P(YuvOp, ChecksInOrderAndWritesNothingOnFailure) { checkStatuses(yuvOps()[GetParam()]); }
 
 // All 2^24 triples through the main path and through the tail (sampled under sanitizers).
-TEST_P(YuvOp, ExhaustiveTriples) {
-    const Conv8& c = yuvOps()[GetParam()];
-    for (bool mainPath : {true, false}) {
-        if (mainPath && !c.mainCover) continue;
-        const int width = mainPath ? 4096 : (c.mainCover ? c.mainCover - 1 : 4093);
-        const int64_t total = KROCC_FULL_SWEEPS ? (1 << 24) : (1 << 18);
-        const int height = static_cast<int>((total + width - 1) / width);
-        Side src(c.src, width, height, 0, Guard::After, false);
-        Side dst(c.dst, width, height, 0, Guard::After, false);
-        // pixel i holds triple i (full sweep) or a scattered sample of triples
-        for (int64_t i = 0; i < int64_t(width) * height; ++i) {
-            const uint32_t t = KROCC_FULL_SWEEPS ? uint32_t(i) : uint32_t(i * 2654435761u);
-            const int x = int(i % width), y = int(i / width);
-            const int v[3] = {int(t >> 16) & 255, int(t >> 8) & 255, int(t) & 255};
-            for (int k = 0; k < 3; ++k) {
-                if (planesOf(c.src) > 1)
-                    src.planes[k].row(y)[x] = Kro8u(v[k]);
-                else
-                    src.planes[0].row(y)[bytesPerPixel(c.src) * x + k] = Kro8u(v[k]);
-            }
-        }
-        auto so = src.origins();
-        auto dO = dst.origins();
-        ASSERT_EQ(c.call(so.data(), src.step(), dO.data(), dst.step(), {width, height}, 9), kroStatusOk);
-        const Form f = mainPath ? c.mainForm : c.tailForm;
-        int64_t bad = 0;
-        for (int y = 0; y < height; ++y)
-            for (int x = 0; x < width; ++x) {
-                int v[4], o[4];
-                readPixel(src, c.src, false, x, y, v);
-                readPixel(dst, c.dst, false, x, y, o);
-                const ref::Px3 e = f(v[0], v[1], v[2]);
-                if (e[0] != o[0] || e[1] != o[1] || e[2] != o[2]) {
-                    if (bad++ < 3)
-                        ADD_FAILURE() << c.name << (mainPath ? " main" : " tail") << " (" << v[0] << "," << v[1]
-                                      << "," << v[2] << ") -> (" << o[0] << "," << o[1] << "," << o[2]
-                                      << ") want (" << e[0] << "," << e[1] << "," << e[2] << ")";
-                }
-            }
-        EXPECT_EQ(bad, 0) << c.name;
-    }
-}
+TEST_P(YuvOp, ExhaustiveTriples) { exhaustiveTriples(yuvOps()[GetParam()]); }
 
 INSTANTIATE_TEST_SUITE_P(All, YuvOp, ::testing::Range(0, 10),
                          [](const ::testing::TestParamInfo<int>& i) { return std::string(yuvOps()[i.param].name); });
