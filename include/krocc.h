@@ -153,18 +153,32 @@ KroStatus kroiYCbCrToBGR_709CSC_8u_P3C4R(const Kro8u* const pSrc[3], int srcStep
 /* ------------------------------------------------------------ encoding into subsampled formats */
 
 /* ------------------------------------------------------------ decoding subsampled formats */
+/* 4:1:1 planes to BGR; leftover pixels of a width not a multiple of 4 take the last block's chroma. */
+KroStatus kroiYCbCr411ToBGR_8u_P3C3R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* pDst, int dstStep, kroiSize roiSize);
+/* 4:1:1 planes to BGRA (fourth sample aval). */
+KroStatus kroiYCbCr411ToBGR_8u_P3C4R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* pDst, int dstStep, kroiSize roiSize, Kro8u aval);
+/* 4:2:0 planes to BGR, BT.709 studio range. */
+KroStatus kroiYCbCr420ToBGR_709CSC_8u_P3C3R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* pDst, int dstStep, kroiSize roiSize);
 /* 4:2:0 planes to BGRA (fourth sample aval), full-swing BT.709. */
 KroStatus kroiYCbCr420ToBGR_709HDTV_8u_P3C4R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* pDst, int dstStep, kroiSize roiSize, Kro8u aval);
 /* 4:2:0 luma and Cb Cr pairs to BGR. */
 KroStatus kroiYCbCr420ToBGR_8u_P2C3R(const Kro8u* pSrcY, int srcYStep, const Kro8u* pSrcCbCr, int srcCbCrStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
 /* 4:2:0 luma and Cb Cr pairs to BGRA (fourth sample aval). */
 KroStatus kroiYCbCr420ToBGR_8u_P2C4R(const Kro8u* pSrcY, int srcYStep, const Kro8u* pSrcCbCr, int srcCbCrStep, Kro8u* pDst, int dstStep, kroiSize roiSize, Kro8u aval);
+/* 4:2:0 planes to BGR. */
+KroStatus kroiYCbCr420ToBGR_8u_P3C3R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* pDst, int dstStep, kroiSize roiSize);
 /* 4:2:0 planes to BGRA (fourth sample aval). */
 KroStatus kroiYCbCr420ToBGR_8u_P3C4R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* pDst, int dstStep, kroiSize roiSize, Kro8u aval);
 /* 4:2:0 luma and Cb Cr pairs to RGB. */
 KroStatus kroiYCbCr420ToRGB_8u_P2C3R(const Kro8u* pSrcY, int srcYStep, const Kro8u* pSrcCbCr, int srcCbCrStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
 /* 4:2:0 luma and Cb Cr pairs to RGBA (fourth sample aval). */
 KroStatus kroiYCbCr420ToRGB_8u_P2C4R(const Kro8u* pSrcY, int srcYStep, const Kro8u* pSrcCbCr, int srcCbCrStep, Kro8u* pDst, int dstStep, kroiSize roiSize, Kro8u aval);
+/* 4:2:0 planes to RGB. */
+KroStatus kroiYCbCr420ToRGB_8u_P3C3R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* pDst, int dstStep, kroiSize roiSize);
+/* 4:2:2 planes to BGR; an odd last column is not written. */
+KroStatus kroiYCbCr422ToBGR_8u_P3C3R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* pDst, int dstStep, kroiSize roiSize);
+/* 4:2:2 planes to RGB; an odd last column is not written. */
+KroStatus kroiYCbCr422ToRGB_8u_P3C3R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* pDst, int dstStep, kroiSize roiSize);
 /* 4:2:0 luma and Cr Cb pairs to BGR. */
 KroStatus kroiYCrCb420ToBGR_8u_P2C3R(const Kro8u* pSrcY, int srcYStep, const Kro8u* pSrcCbCr, int srcCbCrStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
 /* 4:2:0 luma and Cr Cb pairs to BGRA (fourth sample aval); tests the size first. */
@@ -173,6 +187,8 @@ KroStatus kroiYCrCb420ToBGR_8u_P2C4R(const Kro8u* pSrcY, int srcYStep, const Kro
 KroStatus kroiYCrCb420ToRGB_8u_P2C3R(const Kro8u* pSrcY, int srcYStep, const Kro8u* pSrcCbCr, int srcCbCrStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
 /* 4:2:0 luma and Cr Cb pairs to RGBA (fourth sample aval); tests the size first. */
 KroStatus kroiYCrCb420ToRGB_8u_P2C4R(const Kro8u* pSrcY, int srcYStep, const Kro8u* pSrcCbCr, int srcCbCrStep, Kro8u* pDst, int dstStep, kroiSize roiSize, Kro8u aval);
+/* 4:2:0 planes Y, Cr, Cb to RGBA (fourth sample aval). */
+KroStatus kroiYCrCb420ToRGB_8u_P3C4R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* pDst, int dstStep, kroiSize roiSize, Kro8u aval);
 /* 4:2:0 YUV planes to BGR; at least 2 x 2. */
 KroStatus kroiYUV420ToBGR_8u_P3C3R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* pDst, int dstStep, kroiSize roiSize);
 /* 4:2:0 YUV planes to RGBA with the fourth sample 0. */

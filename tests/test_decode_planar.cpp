@@ -10,6 +10,22 @@ namespace {
 const std::vector<DecOp>& ops() {
     static const std::vector<DecOp> v = [] {
         std::vector<DecOp> o = {
+            {"kroiYCbCr420ToBGR_8u_P3C3R", Src::P3, Pk::YCbCr, 2, 2, false, Dst::C3, true, SpanR::S8, ref::inv4,
+             ref::inv3, OddR::Unwritten, nullptr, Chk::NullSizeDeepNull, 1, 1, call(kroiYCbCr420ToBGR_8u_P3C3R)},
+            {"kroiYCbCr420ToRGB_8u_P3C3R", Src::P3, Pk::YCbCr, 2, 2, false, Dst::C3, false, SpanR::S8, ref::inv4,
+             ref::inv3, OddR::Unwritten, nullptr, Chk::NullSizeDeepNull, 1, 1, call(kroiYCbCr420ToRGB_8u_P3C3R)},
+            {"kroiYCrCb420ToRGB_8u_P3C4R", Src::P3, Pk::YCbCr, 2, 2, true, Dst::C4, false, SpanR::S8, ref::inv6,
+             ref::inv3, OddR::Unwritten, nullptr, Chk::NullSizeDeepNull, 1, 1, call(kroiYCrCb420ToRGB_8u_P3C4R)},
+            {"kroiYCbCr420ToBGR_709CSC_8u_P3C3R", Src::P3, Pk::YCbCr, 2, 2, false, Dst::C3, true, SpanR::S8, ref::inv7,
+             ref::d8, OddR::Unwritten, nullptr, Chk::NullSizeDeepNull, 1, 1, call(kroiYCbCr420ToBGR_709CSC_8u_P3C3R)},
+            {"kroiYCbCr422ToBGR_8u_P3C3R", Src::P3, Pk::YCbCr, 2, 1, false, Dst::C3, true, SpanR::S8, ref::inv4,
+             ref::inv1, OddR::Unwritten, nullptr, Chk::DeepNullSize, 2, 1, call(kroiYCbCr422ToBGR_8u_P3C3R)},
+            {"kroiYCbCr422ToRGB_8u_P3C3R", Src::P3, Pk::YCbCr, 2, 1, false, Dst::C3, false, SpanR::S8, ref::inv4,
+             ref::inv1, OddR::Unwritten, nullptr, Chk::DeepNullSize, 2, 1, call(kroiYCbCr422ToRGB_8u_P3C3R)},
+            {"kroiYCbCr411ToBGR_8u_P3C3R", Src::P3, Pk::YCbCr, 4, 1, false, Dst::C3, true, SpanR::All, ref::inv4,
+             ref::inv4, OddR::F, ref::inv4, Chk::DeepNullSize, 4, 1, call(kroiYCbCr411ToBGR_8u_P3C3R)},
+            {"kroiYCbCr411ToBGR_8u_P3C4R", Src::P3, Pk::YCbCr, 4, 1, false, Dst::C4, true, SpanR::All, ref::inv4,
+             ref::inv4, OddR::F, ref::inv4, Chk::DeepNullSize, 4, 1, call(kroiYCbCr411ToBGR_8u_P3C4R)},
             {"kroiYCbCr420ToBGR_8u_P3C4R", Src::P3, Pk::YCbCr, 2, 2, false, Dst::C4, true, SpanR::All, ref::d1,
              ref::d1, OddR::Unwritten, nullptr, Chk::NullSizeDeepNull, 1, 1, call(kroiYCbCr420ToBGR_8u_P3C4R)},
             {"kroiYCbCr420ToBGR_709HDTV_8u_P3C4R", Src::P3, Pk::YCbCr, 2, 2, false, Dst::C4, true, SpanR::S8, ref::h3,
@@ -87,6 +103,30 @@ TEST(PlanarValues, FourthSample) {
     std::fill(std::begin(d), std::end(d), 9);
     ASSERT_EQ(kroiYCbCr420ToBGR_709HDTV_8u_P3C4R(src, steps, d, 4 * w, {w, h}, 55), kroStatusOddSize);
     for (int i = 0; i < w * h; ++i) EXPECT_EQ(d[4 * i + 3], i % w == w - 1 ? 9 : 55) << i;
+}
+
+// 4:2:2 planes: W = 5 leaves pixel 4 unwritten and returns 0; 4:1:1 with W = 6
+// writes all six, pixels 4 and 5 from block 0; 4:2:0 with H = 1 writes nothing.
+TEST(PlanarValues, OddWidths) {
+    Kro8u y[8] = {40, 80, 120, 160, 200, 240, 30, 60}, cb[4] = {60, 200, 9, 9}, cr[4] = {190, 70, 9, 9};
+    const Kro8u* src[3] = {y, cb, cr};
+    const int steps[3] = {8, 4, 4};
+    Kro8u d[3 * 8];
+    std::fill(std::begin(d), std::end(d), 3);
+    ASSERT_EQ(kroiYCbCr422ToBGR_8u_P3C3R(src, steps, d, 24, {5, 1}), kroStatusOk);
+    for (int k = 12; k < 24; ++k) EXPECT_EQ(d[k], 3) << k;
+    std::fill(std::begin(d), std::end(d), 3);
+    ASSERT_EQ(kroiYCbCr411ToBGR_8u_P3C3R(src, steps, d, 24, {6, 1}), kroStatusOk);
+    for (int x = 4; x < 6; ++x) {
+        const ref::Px3 e = ref::d7(y[x], cb[0], cr[0]);
+        EXPECT_EQ(d[3 * x], e[2]);
+        EXPECT_EQ(d[3 * x + 1], e[1]);
+        EXPECT_EQ(d[3 * x + 2], e[0]);
+    }
+    EXPECT_EQ(d[18], 3);
+    std::fill(std::begin(d), std::end(d), 3);
+    ASSERT_EQ(kroiYCbCr420ToRGB_8u_P3C3R(src, steps, d, 24, {8, 1}), kroStatusOddSize);
+    for (int k = 0; k < 24; ++k) EXPECT_EQ(d[k], 3) << k;
 }
 
 TEST(PlanarValues, Yuv420NeedsTwoByTwo) {

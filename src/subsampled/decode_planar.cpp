@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "impl_decls.h"
+#include "matrix/ycbcr_forms.h"
 #include "subsampled/decode_rows.h"
 
 using namespace kro;
@@ -12,6 +13,8 @@ using namespace kro::dec;
 namespace {
 
 using P420 = SrcP3Sub<2, 2>;
+using P420CrFirst = SrcP3Sub<2, 2, 2, 1>;  // element 1 of the plane array is Cr
+using P411 = SrcP3Sub<4, 1>;
 using P422 = SrcP3Sub<2, 1>;
 template <bool Swap>
 using OutC3 = DstC8<3, Swap, Alpha::None>;
@@ -20,6 +23,16 @@ using OutC4 = DstC8<4, Swap, Alpha::Aval>;
 using OutP3 = DstP8<3>;
 
 // ------------------------------------------------------------ the rows of each operation
+using ycbcr::Inv1;
+using ycbcr::Inv3;
+using ycbcr::Inv4;
+using ycbcr::Inv6;
+using ycbcr::Inv7;
+using Row420 = DecodeRow<Span::S8, Inv4, Inv4, Inv3>;
+using Row420CrFirst = DecodeRow<Span::S8, Inv6, Inv6, Inv3>;
+using Row420Csc = DecodeRow<Span::S8, Inv7, Inv7, D8>;
+using Row422 = DecodeRow<Span::S8, Inv4, Inv4, Inv1>;
+using Row411 = DecodeRow<Span::All, Inv4, Inv4, Inv4, Odd::F, Inv4>;
 using RowD1All = DecodeRow<Span::All, D1, D1, D1>;
 using RowHdtv420 = DecodeRow<Span::S8, H3, H3, H2>;
 using RowY1All = DecodeRow<Span::All, Y1, Y1, Y1>;
@@ -87,6 +100,27 @@ void yuv422Whole(const Kro8u* const pSrc[3], kroiSize roi, int dstBytesPerPixel,
 }  // namespace
 
 // ------------------------------------------------------------ 4:2:0 YCbCr
+KroStatus impl_kroiYCbCr420ToBGR_8u_P3C3R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* pDst, int dstStep,
+                                          kroiSize roiSize) {
+    return run420<Row420>(pSrc, srcStep, pDst, P420{pSrc, srcStep}, OutC3<true>{pDst, dstStep}, roiSize);
+}
+
+KroStatus impl_kroiYCbCr420ToRGB_8u_P3C3R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* pDst, int dstStep,
+                                          kroiSize roiSize) {
+    return run420<Row420>(pSrc, srcStep, pDst, P420{pSrc, srcStep}, OutC3<false>{pDst, dstStep}, roiSize);
+}
+
+KroStatus impl_kroiYCrCb420ToRGB_8u_P3C4R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* pDst, int dstStep,
+                                          kroiSize roiSize, Kro8u aval) {
+    return run420<Row420CrFirst>(pSrc, srcStep, pDst, P420CrFirst{pSrc, srcStep}, OutC4<false>{pDst, dstStep, aval},
+                                 roiSize);
+}
+
+KroStatus impl_kroiYCbCr420ToBGR_709CSC_8u_P3C3R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* pDst,
+                                                 int dstStep, kroiSize roiSize) {
+    return run420<Row420Csc>(pSrc, srcStep, pDst, P420{pSrc, srcStep}, OutC3<true>{pDst, dstStep}, roiSize);
+}
+
 KroStatus impl_kroiYCbCr420ToBGR_8u_P3C4R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* pDst, int dstStep,
                                           kroiSize roiSize, Kro8u aval) {
     return run420<RowD1All>(pSrc, srcStep, pDst, P420{pSrc, srcStep}, OutC4<true>{pDst, dstStep, aval}, roiSize);
@@ -128,6 +162,42 @@ KroStatus impl_kroiYUV420ToRGB_8u_P3(const Kro8u* const pSrc[3], Kro8u* const pD
     const Derived st(sub::steplessLumaStep(roiSize.width), sub::stepless420ChromaStep(roiSize.width));
     return run420<RowY4All>(pSrc, st.src, pDst, P420{pSrc, st.src},
                             OutP3{pDst, sub::steplessLumaStep(roiSize.width)}, roiSize, 1, 1, pDst);
+}
+
+// ------------------------------------------------------------ 4:2:2 and 4:1:1 YCbCr
+// deep null, size (at least a whole block across); an odd last column is not written.
+KroStatus impl_kroiYCbCr422ToBGR_8u_P3C3R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* pDst, int dstStep,
+                                          kroiSize roiSize) {
+    if (nullPlanes(pSrc, srcStep) || pDst == nullptr || deepNull(pSrc)) return kroStatusNullPointer;
+    if (badSize(roiSize, 2, 1)) return kroStatusBadSize;
+    Row422::rows(P422{pSrc, srcStep}, OutC3<true>{pDst, dstStep}, roiSize, 2);
+    return kroStatusOk;
+}
+
+KroStatus impl_kroiYCbCr422ToRGB_8u_P3C3R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* pDst, int dstStep,
+                                          kroiSize roiSize) {
+    if (nullPlanes(pSrc, srcStep) || pDst == nullptr || deepNull(pSrc)) return kroStatusNullPointer;
+    if (badSize(roiSize, 2, 1)) return kroStatusBadSize;
+    Row422::rows(P422{pSrc, srcStep}, OutC3<false>{pDst, dstStep}, roiSize, 2);
+    return kroStatusOk;
+}
+
+// Leftover pixels of a width not a multiple of 4 take the last whole block's
+// chroma; no warning.
+KroStatus impl_kroiYCbCr411ToBGR_8u_P3C3R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* pDst, int dstStep,
+                                          kroiSize roiSize) {
+    if (nullPlanes(pSrc, srcStep) || pDst == nullptr || deepNull(pSrc)) return kroStatusNullPointer;
+    if (badSize(roiSize, 4, 1)) return kroStatusBadSize;
+    Row411::rows(P411{pSrc, srcStep}, OutC3<true>{pDst, dstStep}, roiSize, 4);
+    return kroStatusOk;
+}
+
+KroStatus impl_kroiYCbCr411ToBGR_8u_P3C4R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* pDst, int dstStep,
+                                          kroiSize roiSize, Kro8u aval) {
+    if (nullPlanes(pSrc, srcStep) || pDst == nullptr || deepNull(pSrc)) return kroStatusNullPointer;
+    if (badSize(roiSize, 4, 1)) return kroStatusBadSize;
+    Row411::rows(P411{pSrc, srcStep}, OutC4<true>{pDst, dstStep, aval}, roiSize, 4);
+    return kroStatusOk;
 }
 
 // ------------------------------------------------------------ 4:2:2 YUV
