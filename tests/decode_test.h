@@ -95,6 +95,7 @@ inline Image makeDest(const DecOp& c, int w, int h, int pad, Guard g, bool neg) 
 
 // Samples of pixel x of row y as the catalogue places them: Y, Cb, Cr.
 inline void readYCbCr(const DecOp& c, const Image& s, int x, int y, int& Y, int& Cb, int& Cr) {
+    Y = Cb = Cr = 0;
     if (c.src == Src::C2) {
         const Kro8u* g = s.planes[0].row(y) + 4 * (x / 2);
         switch (c.packed) {
@@ -332,9 +333,11 @@ inline void checkStatuses(const DecOp& c) {
         std::vector<std::vector<uint8_t>> b3;
         for (auto& p : d3.planes) b3.push_back(p.snapshot());
         auto o3 = dstOrigins(d3);
-        for (kroiSize r : {kroiSize{w, 1}, kroiSize{1, h}})
-            if (r.width >= c.minW && r.height >= c.minH)
+        for (kroiSize r : {kroiSize{w, 1}, kroiSize{1, h}}) {
+            if (r.width >= c.minW && r.height >= c.minH) {
                 EXPECT_EQ(call(so.data(), o3.data(), r), kroStatusOddSize) << c.name;
+            }
+        }
         for (size_t k = 0; k < d3.planes.size(); ++k)
             EXPECT_TRUE(d3.planes[k].snapshot() == b3[k]) << c.name << ": a region without a whole block wrote";
     }
