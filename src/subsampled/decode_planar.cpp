@@ -152,16 +152,21 @@ KroStatus impl_kroiYUV420ToRGB_8u_P3AC4R(const Kro8u* const pSrc[3], const int s
     return run420<RowYuv420Ac4>(pSrc, srcStep, pDst, P420{pSrc, srcStep}, OutC4<false>{pDst, dstStep, 0}, roiSize);
 }
 
+// Steps derived from the width; a width that the size check refuses derives none.
+static int steplessWidth(kroiSize roi) { return roi.width > 0 ? roi.width : 0; }
+
 KroStatus impl_kroiYUV420ToRGB_8u_P3C3(const Kro8u* const pSrc[3], Kro8u* pDst, kroiSize roiSize) {
-    const Derived st(sub::steplessLumaStep(roiSize.width), sub::stepless420ChromaStep(roiSize.width));
-    return run420<RowY2All>(pSrc, st.src, pDst, P420{pSrc, st.src},
-                            OutC3<false>{pDst, sub::steplessC3Step(roiSize.width)}, roiSize);
+    const int w = steplessWidth(roiSize);
+    const Derived st(sub::steplessLumaStep(w), sub::stepless420ChromaStep(w));
+    return run420<RowY2All>(pSrc, st.src, pDst, P420{pSrc, st.src}, OutC3<false>{pDst, sub::steplessC3Step(w)},
+                            roiSize);
 }
 
 KroStatus impl_kroiYUV420ToRGB_8u_P3(const Kro8u* const pSrc[3], Kro8u* const pDst[3], kroiSize roiSize) {
-    const Derived st(sub::steplessLumaStep(roiSize.width), sub::stepless420ChromaStep(roiSize.width));
-    return run420<RowY4All>(pSrc, st.src, pDst, P420{pSrc, st.src},
-                            OutP3{pDst, sub::steplessLumaStep(roiSize.width)}, roiSize, 1, 1, pDst);
+    const int w = steplessWidth(roiSize);
+    const Derived st(sub::steplessLumaStep(w), sub::stepless420ChromaStep(w));
+    return run420<RowY4All>(pSrc, st.src, pDst, P420{pSrc, st.src}, OutP3{pDst, sub::steplessLumaStep(w)}, roiSize, 1,
+                            1, pDst);
 }
 
 // ------------------------------------------------------------ 4:2:2 and 4:1:1 YCbCr

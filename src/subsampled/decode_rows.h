@@ -8,6 +8,8 @@
 #pragma once
 
 #include <cstdint>
+#include <type_traits>
+#include <utility>
 
 #include "frame/region.h"
 #include "subsampled/catalogue.h"
@@ -150,6 +152,14 @@ struct SrcP3Sub {
             s[2] = cr[x / BW];
             s[3] = 0;
         }
+        // 4:2:x: the luma bytes of pixels x .. x + 15, and their eight blocks'
+        // chroma in 16-bit lanes
+        V luma16(int x) const { return loadLow<16>(y + x); }
+        void chroma8(int x, V& u, V& v) const {
+            static_assert(BW == 2, "two pixels a block across");
+            u = widenLo(loadLow<8>(cb + x / 2));
+            v = widenLo(loadLow<8>(cr + x / 2));
+        }
         // Pixel x with the chroma of block b (the leftover pixels of a 4:1:1 row).
         void getWithBlock(int x, int b, int (&s)[4]) const {
             s[0] = y[x];
@@ -182,6 +192,13 @@ struct SrcP2 {
             px.c[1] = _mm_shuffle_epi8(pairs, loadMask(kCb));
             px.c[2] = _mm_shuffle_epi8(pairs, loadMask(kCr));
             px.c[3] = zero();
+        }
+        V luma16(int x) const { return loadLow<16>(y + x); }
+        void chroma8(int x, V& u, V& v) const {
+            const V pairs = loadLow<16>(c + x);
+            const V first = _mm_and_si128(pairs, _mm_set1_epi16(0x00ff)), second = _mm_srli_epi16(pairs, 8);
+            u = CbOff == 0 ? first : second;
+            v = CbOff == 0 ? second : first;
         }
         void get(int x, int (&s)[4]) const {
             const uint8_t* pr = c + (x & ~1);
@@ -239,6 +256,12 @@ enum class Odd {
     F,          // 4:1:1 leftovers: the last whole block's chroma, D7 for 1 or 2 pixels, VecF for 3
 };
 
+// A form in pieces (luma, chroma, join) lets row pairs share their chroma terms.
+template <class F, class = void>
+struct HasPieces : std::false_type {};
+template <class F>
+struct HasPieces<F, std::void_t<decltype(F::join(std::declval<V>(), std::declval<V>()))>> : std::true_type {};
+
 // Pixels 0 .. span - 1 go through the main form: vector steps of 16, 8 and 4
 // (never below NMin, the granularity of the span rule), then MainScalar for the
 // pixels of an "all" span that no vector step covers; whole blocks after the
@@ -264,13 +287,14 @@ struct DecodeRow {
         d.put(x, o[0], o[1], o[2], 0);
     }
 
-    // w: the row's width in pixels; bw: pixels of a chroma block across.
+    // w: the row's width in pixels; bw: pixels of a chroma block across; x0:
+    // the first pixel not yet written (a multiple of 16 within the main span).
     template <class SRow, class DRow>
-    static void row(const SRow& s, const DRow& d, int w, int bw) {
+    static void row(const SRow& s, const DRow& d, int w, int bw, int x0 = 0) {
         const int whole = w / bw * bw;
         const int span = mainSpan(w, whole);
         const int vecEnd = span & ~(NMin - 1);
-        int x = 0;
+        int x = x0;
         for (; x + 16 <= vecEnd; x += 16) Steps::template step<16>(s, d, x);
         if constexpr (NMin <= 8)
             for (; x + 8 <= vecEnd; x += 8) Steps::template step<8>(s, d, x);
@@ -313,12 +337,51 @@ struct DecodeRow {
     static void rows(const Src& src, const Dst& dst, kroiSize roi, int bw) {
         for (int y = 0; y < roi.height; ++y) row(src.row(y), dst.row(y), roi.width, bw);
     }
+    // One luma row of 16 pixels with chroma terms already repeated over the
+    // block's two lanes (lo: pixels 0..7, hi: pixels 8..15).
+    template <class SRow, class DRow>
+    static void joinRow16(const SRow& s, const DRow& d, int x, const V (&lo)[3], const V (&hi)[3]) {
+        const V yb = s.luma16(x);
+        const V tl = MainVec::luma(widenLo(yb)), th = MainVec::luma(widenHi(yb));
+        Px px;
+        for (int k = 0; k < 3; ++k) px.c[k] = clampU8(MainVec::join(tl, lo[k]), MainVec::join(th, hi[k]));
+        px.c[3] = zero();
+        d.template store<16>(x, px);
+    }
+
+    // 16 pixels of both rows of a pair: the chroma terms of their eight blocks
+    // once, in eight lanes, then repeated into the two lanes of each block.
+    template <class SRow, class DRow>
+    static void pairStep16(const SRow& s0, const SRow& s1, const DRow& d0, const DRow& d1, int x) {
+        V u, v, t[3];
+        s0.chroma8(x, u, v);
+        MainVec::chroma(u, v, t[0], t[1], t[2]);
+        V lo[3], hi[3];
+        for (int k = 0; k < 3; ++k) {
+            lo[k] = _mm_unpacklo_epi16(t[k], t[k]);
+            hi[k] = _mm_unpackhi_epi16(t[k], t[k]);
+        }
+        joinRow16(s0, d0, x, lo, hi);
+        joinRow16(s1, d1, x, lo, hi);
+    }
+
     // 4:2:0: H / 2 row pairs, each luma row with its pair's chroma row (the source
-    // gives it), the odd last row and column left out.
+    // gives it), the odd last row and column left out. The 16-pixel steps of a
+    // form in pieces take both rows at once; the rest goes row by row.
     template <class Src, class Dst>
     static void rowPairs(const Src& src, const Dst& dst, kroiSize roi) {
         const int h = roi.height & ~1, w = roi.width & ~1;
-        for (int y = 0; y < h; ++y) row(src.row(y), dst.row(y), w, 2);
+        for (int y = 0; y < h; y += 2) {
+            const auto s0 = src.row(y), s1 = src.row(y + 1);
+            const auto d0 = dst.row(y), d1 = dst.row(y + 1);
+            int x = 0;
+            if constexpr (HasPieces<MainVec>::value) {
+                const int end = mainSpan(w, w) & ~15;
+                for (; x + 16 <= end; x += 16) pairStep16(s0, s1, d0, d1, x);
+            }
+            row(s0, d0, w, 2, x);
+            row(s1, d1, w, 2, x);
+        }
     }
 };
 
