@@ -64,13 +64,25 @@ constexpr Mask16 packedMask(const Packed422& l, int vec, int ch) {
     }
     return m;
 }
+// Chroma ch (1 Cb, 2 Cr) of the eight groups of 32 bytes into bytes 0..7, from vector vec.
+constexpr Mask16 packedChromaMask(const Packed422& l, int vec, int ch) {
+    Mask16 m{};
+    for (int i = 0; i < 16; ++i) {
+        const int pos = i * 4 + (ch == 1 ? l.cb : l.cr);
+        m.b[i] = static_cast<int8_t>(i < 8 && pos / 16 == vec ? pos % 16 : -128);
+    }
+    return m;
+}
 struct PackedMasks {
-    Mask16 m[2][3];  // [vector][channel]
+    Mask16 m[2][3];       // [vector][channel]
+    Mask16 chroma[2][2];  // [vector][Cb, Cr]: one sample a group
 };
 constexpr PackedMasks makePackedMasks(const Packed422& l) {
     PackedMasks t{};
-    for (int v = 0; v < 2; ++v)
+    for (int v = 0; v < 2; ++v) {
         for (int c = 0; c < 3; ++c) t.m[v][c] = packedMask(l, v, c);
+        for (int c = 0; c < 2; ++c) t.chroma[v][c] = packedChromaMask(l, v, c + 1);
+    }
     return t;
 }
 template <const Packed422& L>
@@ -87,7 +99,22 @@ struct SrcC2 {
     const uint8_t* base;
     int step;
     struct Row {
+        static constexpr bool kChroma8 = true;
         const uint8_t* p;
+        // the luma bytes of pixels x .. x + 15, and their eight groups' chroma in 16-bit lanes
+        V luma16(int x) const {
+            const auto& t = kPackedMasks<L>;
+            const V a = loadLow<16, Aligned>(p + 2 * x), b = loadLow<16, Aligned>(p + 2 * x + 16);
+            return _mm_or_si128(_mm_shuffle_epi8(a, loadMask(t.m[0][0])), _mm_shuffle_epi8(b, loadMask(t.m[1][0])));
+        }
+        void chroma8(int x, V& u, V& v) const {
+            const auto& t = kPackedMasks<L>;
+            const V a = loadLow<16, Aligned>(p + 2 * x), b = loadLow<16, Aligned>(p + 2 * x + 16);
+            u = widenLo(_mm_or_si128(_mm_shuffle_epi8(a, loadMask(t.chroma[0][0])),
+                                     _mm_shuffle_epi8(b, loadMask(t.chroma[1][0]))));
+            v = widenLo(_mm_or_si128(_mm_shuffle_epi8(a, loadMask(t.chroma[0][1])),
+                                     _mm_shuffle_epi8(b, loadMask(t.chroma[1][1]))));
+        }
         template <int N>
         void load(int x, Px& px) const {
             const auto& t = kPackedMasks<L>;
@@ -137,6 +164,7 @@ struct SrcP3Sub {
     const uint8_t* const* planes;
     const int* steps;
     struct Row {
+        static constexpr bool kChroma8 = BW == 2;
         const uint8_t *y, *cb, *cr;
         template <int N>
         void load(int x, Px& px) const {
@@ -183,6 +211,7 @@ struct SrcP2 {
     const uint8_t* cBase;
     int cStep;
     struct Row {
+        static constexpr bool kChroma8 = true;
         const uint8_t *y, *c;
         template <int N>
         void load(int x, Px& px) const {
@@ -295,6 +324,8 @@ struct DecodeRow {
         const int span = mainSpan(w, whole);
         const int vecEnd = span & ~(NMin - 1);
         int x = x0;
+        if constexpr (HasPieces<MainVec>::value && SRow::kChroma8)
+            for (; x + 16 <= vecEnd; x += 16) chromaStep16(s, d, x);
         for (; x + 16 <= vecEnd; x += 16) Steps::template step<16>(s, d, x);
         if constexpr (NMin <= 8)
             for (; x + 8 <= vecEnd; x += 8) Steps::template step<8>(s, d, x);
@@ -349,18 +380,29 @@ struct DecodeRow {
         d.template store<16>(x, px);
     }
 
-    // 16 pixels of both rows of a pair: the chroma terms of their eight blocks
-    // once, in eight lanes, then repeated into the two lanes of each block.
-    template <class SRow, class DRow>
-    static void pairStep16(const SRow& s0, const SRow& s1, const DRow& d0, const DRow& d1, int x) {
+    // The chroma terms of the eight blocks of pixels x .. x + 15, computed once
+    // in eight lanes and repeated into the two lanes of each block.
+    template <class SRow>
+    static void chromaTerms16(const SRow& s, int x, V (&lo)[3], V (&hi)[3]) {
         V u, v, t[3];
-        s0.chroma8(x, u, v);
+        s.chroma8(x, u, v);
         MainVec::chroma(u, v, t[0], t[1], t[2]);
-        V lo[3], hi[3];
         for (int k = 0; k < 3; ++k) {
             lo[k] = _mm_unpacklo_epi16(t[k], t[k]);
             hi[k] = _mm_unpackhi_epi16(t[k], t[k]);
         }
+    }
+    template <class SRow, class DRow>
+    static void chromaStep16(const SRow& s, const DRow& d, int x) {
+        V lo[3], hi[3];
+        chromaTerms16(s, x, lo, hi);
+        joinRow16(s, d, x, lo, hi);
+    }
+    // 16 pixels of both rows of a 4:2:0 pair on one set of chroma terms.
+    template <class SRow, class DRow>
+    static void pairStep16(const SRow& s0, const SRow& s1, const DRow& d0, const DRow& d1, int x) {
+        V lo[3], hi[3];
+        chromaTerms16(s0, x, lo, hi);
         joinRow16(s0, d0, x, lo, hi);
         joinRow16(s1, d1, x, lo, hi);
     }
