@@ -282,7 +282,7 @@ enum class Odd {
     O,          // packed rule O: the other chroma from the previous group, own alone at W = 1
     OPrime,     // packed rule O': as O, own alone at W = 1 and W = 3
     Plain,      // planar: the pixel's own chroma index, the last samples of the chroma planes
-    F,          // 4:1:1 leftovers: the last whole block's chroma, D7 for 1 or 2 pixels, VecF for 3
+    F,          // 4:1:1 leftovers: the last whole block's chroma; D7 for 1 or 2 pixels, OddForm for 3
 };
 
 // A form in pieces (luma, chroma, join) lets row pairs share their chroma terms.
