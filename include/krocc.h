@@ -365,6 +365,96 @@ KroStatus kroiBGRToYCbCr411_8u_C3P3R(const Kro8u* pSrc, int srcStep, Kro8u* cons
 KroStatus kroiBGRToYCbCr411_8u_AC4P3R(const Kro8u* pSrc, int srcStep, Kro8u* const pDst[3], const int dstStep[3], kroiSize roiSize);
 
 /* ------------------------------------------------------------ decoding subsampled formats */
+/* Packed Cb Y Cr Y to BGR, full-swing BT.709. */
+KroStatus kroiCbYCr422ToBGR_709HDTV_8u_C2C3R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+/* Packed Cb Y Cr Y to BGRA (fourth sample aval), full-swing BT.709. */
+KroStatus kroiCbYCr422ToBGR_709HDTV_8u_C2C4R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize, Kro8u aval);
+/* Packed Cb Y Cr Y to BGRA (fourth sample aval). */
+KroStatus kroiCbYCr422ToBGR_8u_C2C4R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize, Kro8u aval);
+/* Packed Cb Y Cr Y to RGB. */
+KroStatus kroiCbYCr422ToRGB_8u_C2C3R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+/* 4:1:1 planes to BGR; leftover pixels of a width not a multiple of 4 take the last block's chroma. */
+KroStatus kroiYCbCr411ToBGR_8u_P3C3R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* pDst, int dstStep, kroiSize roiSize);
+/* 4:1:1 planes to BGRA (fourth sample aval). */
+KroStatus kroiYCbCr411ToBGR_8u_P3C4R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* pDst, int dstStep, kroiSize roiSize, Kro8u aval);
+/* 4:2:0 planes to BGR, BT.709 studio range. */
+KroStatus kroiYCbCr420ToBGR_709CSC_8u_P3C3R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* pDst, int dstStep, kroiSize roiSize);
+/* 4:2:0 planes to BGRA (fourth sample aval), full-swing BT.709. */
+KroStatus kroiYCbCr420ToBGR_709HDTV_8u_P3C4R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* pDst, int dstStep, kroiSize roiSize, Kro8u aval);
+/* 4:2:0 luma and Cb Cr pairs to BGR. */
+KroStatus kroiYCbCr420ToBGR_8u_P2C3R(const Kro8u* pSrcY, int srcYStep, const Kro8u* pSrcCbCr, int srcCbCrStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+/* 4:2:0 luma and Cb Cr pairs to BGRA (fourth sample aval). */
+KroStatus kroiYCbCr420ToBGR_8u_P2C4R(const Kro8u* pSrcY, int srcYStep, const Kro8u* pSrcCbCr, int srcCbCrStep, Kro8u* pDst, int dstStep, kroiSize roiSize, Kro8u aval);
+/* 4:2:0 planes to BGR. */
+KroStatus kroiYCbCr420ToBGR_8u_P3C3R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* pDst, int dstStep, kroiSize roiSize);
+/* 4:2:0 planes to BGRA (fourth sample aval). */
+KroStatus kroiYCbCr420ToBGR_8u_P3C4R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* pDst, int dstStep, kroiSize roiSize, Kro8u aval);
+/* 4:2:0 luma and Cb Cr pairs to RGB. */
+KroStatus kroiYCbCr420ToRGB_8u_P2C3R(const Kro8u* pSrcY, int srcYStep, const Kro8u* pSrcCbCr, int srcCbCrStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+/* 4:2:0 luma and Cb Cr pairs to RGBA (fourth sample aval). */
+KroStatus kroiYCbCr420ToRGB_8u_P2C4R(const Kro8u* pSrcY, int srcYStep, const Kro8u* pSrcCbCr, int srcCbCrStep, Kro8u* pDst, int dstStep, kroiSize roiSize, Kro8u aval);
+/* 4:2:0 planes to RGB. */
+KroStatus kroiYCbCr420ToRGB_8u_P3C3R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* pDst, int dstStep, kroiSize roiSize);
+/* Packed Y Cb Y Cr to BGR; at least two pixels across. */
+KroStatus kroiYCbCr422ToBGR_8u_C2C3R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+/* Packed Y Cb Y Cr to BGRA (fourth sample aval); at least two pixels across. */
+KroStatus kroiYCbCr422ToBGR_8u_C2C4R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize, Kro8u aval);
+/* 4:2:2 planes to BGR; an odd last column is not written. */
+KroStatus kroiYCbCr422ToBGR_8u_P3C3R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* pDst, int dstStep, kroiSize roiSize);
+/* The luma of a packed 4:2:2 row (even bytes) as grey. */
+KroStatus kroiYCbCr422ToGray_8u_C2C1R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+/* Packed Y Cb Y Cr to RGB. */
+KroStatus kroiYCbCr422ToRGB_8u_C2C3R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+/* Packed Y Cb Y Cr to RGBA (fourth sample aval). */
+KroStatus kroiYCbCr422ToRGB_8u_C2C4R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize, Kro8u aval);
+/* Packed Y Cb Y Cr to three RGB planes (one step). */
+KroStatus kroiYCbCr422ToRGB_8u_C2P3R(const Kro8u* pSrc, int srcStep, Kro8u* const pDst[3], int dstStep, kroiSize roiSize);
+/* 4:2:2 planes to RGB; an odd last column is not written. */
+KroStatus kroiYCbCr422ToRGB_8u_P3C3R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* pDst, int dstStep, kroiSize roiSize);
+/* 4:2:0 luma and Cr Cb pairs to BGR. */
+KroStatus kroiYCrCb420ToBGR_8u_P2C3R(const Kro8u* pSrcY, int srcYStep, const Kro8u* pSrcCbCr, int srcCbCrStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+/* 4:2:0 luma and Cr Cb pairs to BGRA (fourth sample aval); tests the size first. */
+KroStatus kroiYCrCb420ToBGR_8u_P2C4R(const Kro8u* pSrcY, int srcYStep, const Kro8u* pSrcCbCr, int srcCbCrStep, Kro8u* pDst, int dstStep, kroiSize roiSize, Kro8u aval);
+/* 4:2:0 luma and Cr Cb pairs to RGB. */
+KroStatus kroiYCrCb420ToRGB_8u_P2C3R(const Kro8u* pSrcY, int srcYStep, const Kro8u* pSrcCbCr, int srcCbCrStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+/* 4:2:0 luma and Cr Cb pairs to RGBA (fourth sample aval); tests the size first. */
+KroStatus kroiYCrCb420ToRGB_8u_P2C4R(const Kro8u* pSrcY, int srcYStep, const Kro8u* pSrcCbCr, int srcCbCrStep, Kro8u* pDst, int dstStep, kroiSize roiSize, Kro8u aval);
+/* 4:2:0 planes Y, Cr, Cb to RGBA (fourth sample aval). */
+KroStatus kroiYCrCb420ToRGB_8u_P3C4R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* pDst, int dstStep, kroiSize roiSize, Kro8u aval);
+/* Packed Y Cr Y Cb to BGR. */
+KroStatus kroiYCrCb422ToBGR_8u_C2C3R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+/* Packed Y Cr Y Cb to BGRA (fourth sample aval). */
+KroStatus kroiYCrCb422ToBGR_8u_C2C4R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize, Kro8u aval);
+/* Packed Y Cr Y Cb to RGB. */
+KroStatus kroiYCrCb422ToRGB_8u_C2C3R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+/* Packed Y Cr Y Cb to RGBA (fourth sample aval). */
+KroStatus kroiYCrCb422ToRGB_8u_C2C4R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize, Kro8u aval);
+/* Packed Y Cr Y Cb to three RGB planes (one step). */
+KroStatus kroiYCrCb422ToRGB_8u_C2P3R(const Kro8u* pSrc, int srcStep, Kro8u* const pDst[3], int dstStep, kroiSize roiSize);
+/* 4:2:0 YUV planes to BGR; at least 2 x 2. */
+KroStatus kroiYUV420ToBGR_8u_P3C3R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* pDst, int dstStep, kroiSize roiSize);
+/* 4:2:0 YUV planes to RGBA with the fourth sample 0. */
+KroStatus kroiYUV420ToRGB_8u_P3AC4R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* pDst, int dstStep, kroiSize roiSize);
+/* 4:2:0 YUV planes to RGB. */
+KroStatus kroiYUV420ToRGB_8u_P3C3R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* pDst, int dstStep, kroiSize roiSize);
+/* 4:2:0 YUV planes to RGB, rows packed without steps. */
+KroStatus kroiYUV420ToRGB_8u_P3C3(const Kro8u* const pSrc[3], Kro8u* pDst, kroiSize roiSize);
+/* 4:2:0 YUV planes to RGB planes (one destination step). */
+KroStatus kroiYUV420ToRGB_8u_P3R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* const pDst[3], int dstStep, kroiSize roiSize);
+/* 4:2:0 YUV planes to RGB planes, rows packed without steps. */
+KroStatus kroiYUV420ToRGB_8u_P3(const Kro8u* const pSrc[3], Kro8u* const pDst[3], kroiSize roiSize);
+/* Packed Y U Y V to RGB. */
+KroStatus kroiYUV422ToRGB_8u_C2C3R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+/* 4:2:2 YUV planes to RGBA with the fourth sample 0. */
+KroStatus kroiYUV422ToRGB_8u_P3AC4R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* pDst, int dstStep, kroiSize roiSize);
+/* 4:2:2 YUV planes to RGB. */
+KroStatus kroiYUV422ToRGB_8u_P3C3R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* pDst, int dstStep, kroiSize roiSize);
+/* 4:2:2 YUV planes to RGB, rows packed without steps. */
+KroStatus kroiYUV422ToRGB_8u_P3C3(const Kro8u* const pSrc[3], Kro8u* pDst, kroiSize roiSize);
+/* 4:2:2 YUV planes to RGB planes (one destination step). */
+KroStatus kroiYUV422ToRGB_8u_P3R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* const pDst[3], int dstStep, kroiSize roiSize);
+/* 4:2:2 YUV planes to RGB planes, rows packed without steps. */
+KroStatus kroiYUV422ToRGB_8u_P3(const Kro8u* const pSrc[3], Kro8u* const pDst[3], kroiSize roiSize);
 
 #ifdef __cplusplus
 }
