@@ -1,13 +1,14 @@
 // krocc_bench: every krocc operation of the job table, beside the peers' closest
 // calls and a memcpy of the same bytes, at 1920x1080, 3840x2160 and 128x128.
 //
-//   krocc_bench [--sizes=WxH,WxH,...] [--describe] [Google Benchmark flags]
+//   krocc_bench [--sizes=WxH,WxH,...] [--peers_sse] [--describe] [Google Benchmark flags]
 //
 // Benchmarks are named <operation>/<library>/<W>x<H>; each reports Mpix/s and
 // items_per_second (items = pixels). Before anything is timed, every peer's
 // output is checked loosely against krocc's on the same picture; a peer that
 // disagrees (or wrote nothing) stops the program. --describe prints the job
-// table (calls, formats, differences) as JSON and exits.
+// table (calls, formats, differences) as JSON and exits. --peers_sse keeps the
+// peers to SSE4.2 and below, krocc's own level, for a like-for-like look.
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
@@ -18,6 +19,7 @@
 #include <regex>
 #include <string>
 #include <tuple>
+#include <unistd.h>
 #include <vector>
 
 #include "bench_core.h"
@@ -200,6 +202,11 @@ protected:
             std::printf("%-50s ERROR: %s\n", r.benchmark_name().c_str(), r.error_message.c_str());
             return;
         }
+        if (r.run_type == Run::RT_Aggregate && r.aggregate_unit == benchmark::kPercentage) {
+            std::printf("%-50s %11.2f%% (coefficient of variation)\n", r.benchmark_name().c_str(),
+                        100.0 * r.cpu_accumulated_time);
+            return;
+        }
         auto counter = [&](const char* name) {
             const auto it = r.counters.find(name);
             return it == r.counters.end() ? 0.0 : double(it->second);
@@ -219,7 +226,7 @@ private:
 
 int main(int argc, char** argv) {
     std::vector<Size> sizes = {{1920, 1080}, {3840, 2160}, {128, 128}};
-    bool describeOnly = false, ownFormat = false;
+    bool describeOnly = false, ownFormat = false, peersSse = false;
     std::string filter = ".";
     std::vector<char*> rest;
     for (int i = 0; i < argc; ++i) {
@@ -229,6 +236,8 @@ int main(int argc, char** argv) {
             sizes = parseSizes(argv[i] + 8);
         else if (std::strcmp(argv[i], "--describe") == 0)
             describeOnly = true;
+        else if (std::strcmp(argv[i], "--peers_sse") == 0)
+            peersSse = true;
         else
             rest.push_back(argv[i]);
     }
@@ -244,7 +253,17 @@ int main(int argc, char** argv) {
         return 0;
     }
 
-    peersSetUp();
+#if KB_HAVE_OPENCV
+    // OpenCV chooses its code paths when it loads: start again with them limited.
+    if (peersSse && !std::getenv("OPENCV_CPU_DISABLE")) {
+        setenv("OPENCV_CPU_DISABLE", kOpenCvNoAvx, 1);
+        execv("/proc/self/exe", argv);
+        std::perror("krocc_bench: execv");
+        return 1;
+    }
+#endif
+    peersSetUp(peersSse);
+    if (peersSse) benchmark::AddCustomContext("peers", "limited to SSE4.2 (no AVX, AVX2, AVX-512)");
     const KroLibraryVersion* v = kroccGetLibVersion();
     benchmark::AddCustomContext("krocc", std::string(v->displayName) + " " + v->versionText);
     benchmark::AddCustomContext("picture", pictureOf(sizes.front()).origin);

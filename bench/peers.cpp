@@ -14,6 +14,7 @@
 
 #if KB_HAVE_SWSCALE
 extern "C" {
+#include <libavutil/cpu.h>
 #include <libavutil/opt.h>
 #include <libswscale/swscale.h>
 #include <libswscale/version.h>
@@ -177,9 +178,21 @@ Impl swscale(AVPixelFormat src, AVPixelFormat dst, bool yuvFullRange, Format in,
 #endif
 
 // ------------------------------------------------------------ set-up
-void peersSetUp() {
+void peersSetUp(bool sseOnly) {
 #if KB_HAVE_OPENCV
     cv::setNumThreads(1);
+#endif
+    if (!sseOnly) return;
+#if KB_HAVE_LIBYUV
+    libyuv::MaskCpuFlags(~(libyuv::kCpuHasAVX | libyuv::kCpuHasAVX2 | libyuv::kCpuHasFMA3 | libyuv::kCpuHasF16C |
+                           libyuv::kCpuHasGFNI | libyuv::kCpuHasAVX512BW | libyuv::kCpuHasAVX512VL |
+                           libyuv::kCpuHasAVX512VNNI | libyuv::kCpuHasAVX512VBMI | libyuv::kCpuHasAVX512VBMI2 |
+                           libyuv::kCpuHasAVX512VBITALG | libyuv::kCpuHasAVX512VPOPCNTDQ));
+#endif
+#if KB_HAVE_SWSCALE
+    av_force_cpu_flags(av_get_cpu_flags() & ~(AV_CPU_FLAG_AVX | AV_CPU_FLAG_AVXSLOW | AV_CPU_FLAG_AVX2 |
+                                              AV_CPU_FLAG_FMA3 | AV_CPU_FLAG_FMA4 | AV_CPU_FLAG_XOP |
+                                              AV_CPU_FLAG_AVX512 | AV_CPU_FLAG_AVX512ICL));
 #endif
 }
 
@@ -197,7 +210,11 @@ std::vector<std::pair<std::string, std::string>> peerVersions() {
     }());
 #endif
 #if KB_HAVE_SWSCALE
-    v.emplace_back("swscale", LIBSWSCALE_IDENT);
+    v.emplace_back("swscale", std::string(LIBSWSCALE_IDENT) + ", cpu flags 0x" + [] {
+        char b[16];
+        std::snprintf(b, sizeof b, "%x", unsigned(av_get_cpu_flags()));
+        return std::string(b);
+    }());
 #endif
     return v;
 }

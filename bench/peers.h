@@ -75,7 +75,11 @@ Impl swscale(AVPixelFormat src, AVPixelFormat dst, bool yuvFullRange, Format in,
 #endif
 
 // Peer set-up done once before any benchmark (single thread for every peer).
-void peersSetUp();
+// sseOnly: libyuv and swscale limited to SSE4.2 and below, like krocc (OpenCV
+// reads OPENCV_CPU_DISABLE when it loads: main() sets it and starts again).
+void peersSetUp(bool sseOnly);
+// What OPENCV_CPU_DISABLE must hold for OpenCV to stop at SSE4.2.
+inline const char* kOpenCvNoAvx = "AVX512-SKX,AVX512-COMMON,AVX512-CLX,AVX512-CNL,AVX512F,AVX512BW,AVX512CD,AVX512DQ,AVX512VL,AVX2,FMA3,AVX,FP16";
 // Name and version of each peer found, for the benchmark context.
 std::vector<std::pair<std::string, std::string>> peerVersions();
 
