@@ -150,6 +150,14 @@ def markdown(data, table, sizes, jobs, libs, chart_name):
         "- The machine is shared: other jobs ran beside these benchmarks, so single figures can move by 10% or so "
         "between runs; ratios of neighbouring rows move less. (Google Benchmark's warning that it was built as a "
         "debug library concerns its own harness, not the code measured.)", ""]
+    md += ["## Run it", "", "```sh",
+           "cmake -S . -B build -G Ninja && cmake --build build --target krocc_bench",
+           "build/bench/krocc_bench --sizes=1920x1080,128x128 --benchmark_filter=/krocc/   # krocc alone",
+           "python3 bench/compare.py               # beside the peers: prints the table, writes docs/benchmarks.*",
+           "python3 bench/compare.py --peers-sse   # the peers limited to SSE4.2: docs/benchmarks-sse.*",
+           "```", "",
+           "Peers missing at build time (CMake says which) are left out; `-DKROCC_BENCH_PEERS=opencv` chooses. "
+           "New operations join with one entry in a `bench/jobs_*.cpp` table.", ""]
     md += ["## Results", "", f"![Mpix/s per operation and library]({chart_name})", ""]
     for size in sizes:
         cv = "opencv" in libs

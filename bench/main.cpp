@@ -162,9 +162,11 @@ std::string jsonText(const std::string& s) {
 }
 
 std::string formatText(const Format& f) {
-    static const char* models[] = {"RGB", "YUV (analogue)", "YCbCr BT.601 full range", "YCbCr BT.601 studio range",
+    static const char* models[] = {"", "analogue YUV", "BT.601 YCbCr full range", "BT.601 YCbCr studio range",
                                    "grey", "opaque"};
-    return std::string(layoutName(f.layout)) + " " + f.order + ", " + models[int(f.model)];
+    std::string t = std::string(layoutName(f.layout)) + " " + f.order;
+    if (f.model != Model::Rgb) t += std::string(" (") + models[int(f.model)] + ")";
+    return t;
 }
 
 void describe(const std::vector<Job>& jobs) {
