@@ -1,5 +1,7 @@
 // RGB <-> YUV (analogue model) at full resolution, 8-bit samples.
 // Each operation names its layouts and the forms of its main path and tail.
+// Main paths of 8 pixels run in steps of 16 while 16 remain, then one of 8:
+// the form is the same, so only the boundary width & ~7 decides a value.
 // Operations whose whole row is defined by a tail form run that same form four
 // pixels at a time in 32-bit lanes (Lanes32): identical numbers at every column.
 #include "frame/region.h"
@@ -35,7 +37,7 @@ KroStatus impl_kroiRGBToYUV_8u_C3P3R(const Kro8u* pSrc, int srcStep, Kro8u* cons
     if (anyNull(pSrc, pDst)) return kroStatusNullPointer;
     if (badSize(roiSize)) return kroStatusBadSize;
     if (anyPlaneNull(pDst, 3)) return kroStatusNullPointer;
-    Kernel8<8, 8, Fwd4, Fwd2>::region(Rgb3{pSrc, srcStep}, OutP3{pDst, dstStep}, roiSize);
+    Kernel8<16, 8, Fwd4, Fwd2>::region(Rgb3{pSrc, srcStep}, OutP3{pDst, dstStep}, roiSize);
     return kroStatusOk;
 }
 
@@ -62,14 +64,14 @@ KroStatus impl_kroiRGBToYUV_8u_AC4P4R(const Kro8u* pSrc, int srcStep, Kro8u* con
     if (anyNull(pSrc, pDst)) return kroStatusNullPointer;
     if (badSize(roiSize)) return kroStatusBadSize;
     if (anyPlaneNull(pDst, 4)) return kroStatusNullPointer;
-    Kernel8<8, 8, Fwd5, Fwd1>::region(Rgba{pSrc, srcStep}, OutP4{pDst, dstStep}, roiSize);
+    Kernel8<16, 8, Fwd5, Fwd1>::region(Rgba{pSrc, srcStep}, OutP4{pDst, dstStep}, roiSize);
     return kroStatusOk;
 }
 
 KroStatus impl_kroiYUVToRGB_8u_C3R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize) {
     if (anyNull(pSrc, pDst)) return kroStatusNullPointer;
     if (badSize(roiSize)) return kroStatusBadSize;
-    Kernel8<8, 8, Inv4, Inv1>::region(Rgb3{pSrc, srcStep}, Out3{pDst, dstStep}, roiSize);
+    Kernel8<16, 8, Inv4, Inv1>::region(Rgb3{pSrc, srcStep}, Out3{pDst, dstStep}, roiSize);
     return kroStatusOk;
 }
 
