@@ -472,6 +472,51 @@ KroStatus kroiYUV422ToRGB_8u_P3(const Kro8u* const pSrc[3], Kro8u* const pDst[3]
 
 /* ------------------------------------------------------------ gamma */
 
+/* BT.709 transfer curve on three channels: Fwd linear light to coded, Inv the
+ * way back. 8u and 16u samples go through a table of every input; 32f samples
+ * through the curve on the value range vMin..vMax (a sample at vMin stays vMin;
+ * samples outside the range are not clamped). AC4 forms leave the fourth sample
+ * as it was. Steps are in bytes for every type; all three planes share one step.
+ * Checks: 32f first vMax - vMin not above 0 (kroStatusBadGammaRange), then null
+ * addresses and plane elements, width or height below 1, any step below 1
+ * (kroStatusBadStep). */
+KroStatus kroiGammaFwd_8u_C3R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiGammaFwd_8u_C3IR(Kro8u* pSrcDst, int srcDstStep, kroiSize roiSize);
+KroStatus kroiGammaFwd_8u_AC4R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiGammaFwd_8u_AC4IR(Kro8u* pSrcDst, int srcDstStep, kroiSize roiSize);
+KroStatus kroiGammaFwd_8u_P3R(const Kro8u* const pSrc[3], int srcStep, Kro8u* const pDst[3], int dstStep, kroiSize roiSize);
+KroStatus kroiGammaFwd_8u_IP3R(Kro8u* const pSrcDst[3], int srcDstStep, kroiSize roiSize);
+KroStatus kroiGammaFwd_16u_C3R(const Kro16u* pSrc, int srcStep, Kro16u* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiGammaFwd_16u_C3IR(Kro16u* pSrcDst, int srcDstStep, kroiSize roiSize);
+KroStatus kroiGammaFwd_16u_AC4R(const Kro16u* pSrc, int srcStep, Kro16u* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiGammaFwd_16u_AC4IR(Kro16u* pSrcDst, int srcDstStep, kroiSize roiSize);
+KroStatus kroiGammaFwd_16u_P3R(const Kro16u* const pSrc[3], int srcStep, Kro16u* const pDst[3], int dstStep, kroiSize roiSize);
+KroStatus kroiGammaFwd_16u_IP3R(Kro16u* const pSrcDst[3], int srcDstStep, kroiSize roiSize);
+KroStatus kroiGammaFwd_32f_C3R(const Kro32f* pSrc, int srcStep, Kro32f* pDst, int dstStep, kroiSize roiSize, Kro32f vMin, Kro32f vMax);
+KroStatus kroiGammaFwd_32f_C3IR(Kro32f* pSrcDst, int srcDstStep, kroiSize roiSize, Kro32f vMin, Kro32f vMax);
+KroStatus kroiGammaFwd_32f_AC4R(const Kro32f* pSrc, int srcStep, Kro32f* pDst, int dstStep, kroiSize roiSize, Kro32f vMin, Kro32f vMax);
+KroStatus kroiGammaFwd_32f_AC4IR(Kro32f* pSrcDst, int srcDstStep, kroiSize roiSize, Kro32f vMin, Kro32f vMax);
+KroStatus kroiGammaFwd_32f_P3R(const Kro32f* const pSrc[3], int srcStep, Kro32f* const pDst[3], int dstStep, kroiSize roiSize, Kro32f vMin, Kro32f vMax);
+KroStatus kroiGammaFwd_32f_IP3R(Kro32f* const pSrcDst[3], int srcDstStep, kroiSize roiSize, Kro32f vMin, Kro32f vMax);
+KroStatus kroiGammaInv_8u_C3R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiGammaInv_8u_C3IR(Kro8u* pSrcDst, int srcDstStep, kroiSize roiSize);
+KroStatus kroiGammaInv_8u_AC4R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiGammaInv_8u_AC4IR(Kro8u* pSrcDst, int srcDstStep, kroiSize roiSize);
+KroStatus kroiGammaInv_8u_P3R(const Kro8u* const pSrc[3], int srcStep, Kro8u* const pDst[3], int dstStep, kroiSize roiSize);
+KroStatus kroiGammaInv_8u_IP3R(Kro8u* const pSrcDst[3], int srcDstStep, kroiSize roiSize);
+KroStatus kroiGammaInv_16u_C3R(const Kro16u* pSrc, int srcStep, Kro16u* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiGammaInv_16u_C3IR(Kro16u* pSrcDst, int srcDstStep, kroiSize roiSize);
+KroStatus kroiGammaInv_16u_AC4R(const Kro16u* pSrc, int srcStep, Kro16u* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiGammaInv_16u_AC4IR(Kro16u* pSrcDst, int srcDstStep, kroiSize roiSize);
+KroStatus kroiGammaInv_16u_P3R(const Kro16u* const pSrc[3], int srcStep, Kro16u* const pDst[3], int dstStep, kroiSize roiSize);
+KroStatus kroiGammaInv_16u_IP3R(Kro16u* const pSrcDst[3], int srcDstStep, kroiSize roiSize);
+KroStatus kroiGammaInv_32f_C3R(const Kro32f* pSrc, int srcStep, Kro32f* pDst, int dstStep, kroiSize roiSize, Kro32f vMin, Kro32f vMax);
+KroStatus kroiGammaInv_32f_C3IR(Kro32f* pSrcDst, int srcDstStep, kroiSize roiSize, Kro32f vMin, Kro32f vMax);
+KroStatus kroiGammaInv_32f_AC4R(const Kro32f* pSrc, int srcStep, Kro32f* pDst, int dstStep, kroiSize roiSize, Kro32f vMin, Kro32f vMax);
+KroStatus kroiGammaInv_32f_AC4IR(Kro32f* pSrcDst, int srcDstStep, kroiSize roiSize, Kro32f vMin, Kro32f vMax);
+KroStatus kroiGammaInv_32f_P3R(const Kro32f* const pSrc[3], int srcStep, Kro32f* const pDst[3], int dstStep, kroiSize roiSize, Kro32f vMin, Kro32f vMax);
+KroStatus kroiGammaInv_32f_IP3R(Kro32f* const pSrcDst[3], int srcDstStep, kroiSize roiSize, Kro32f vMin, Kro32f vMax);
+
 /* ------------------------------------------------------------ colour twist */
 
 /* ------------------------------------------------------------ tone mapping */

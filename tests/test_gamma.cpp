@@ -1,0 +1,625 @@
+// Gamma: all 36 operations against the independent reference at every width
+// to past three float blocks, every start offset, padded steps with canaries
+// and guarded buffers; every 8-bit and 16-bit input; float edge values bit for
+// bit; the caller's rounding mode and float state kept; check order; the
+// known values.
+#include <gtest/gtest.h>
+
+#include <cfenv>
+#include <cfloat>
+#include <cmath>
+#include <functional>
+#include <limits>
+#include <string>
+
+#include "harness.h"
+#include "krocc.h"
+#include "ref_gamma.h"
+#include "tone/gamma_forms.h"
+
+using namespace kt;
+
+namespace {
+
+enum class Ty { U8, U16, F32 };
+enum class Lay { C3, AC4, P3 };
+
+// Every operation called through one shape: planes (one for interleaved
+// sides), byte steps, region, range (ignored by the integer forms). In-place
+// forms use the destination side only.
+using Call = KroStatus (*)(uint8_t* const* src, int ss, uint8_t* const* dst, int ds, kroiSize r, float lo, float hi);
+
+struct Op {
+    const char* name;
+    Ty ty;
+    Lay lay;
+    bool inPlace, forward, wide;
+    Call call;
+};
+
+template <class T, auto Fn>
+KroStatus cR(uint8_t* const* s, int ss, uint8_t* const* d, int ds, kroiSize r, float, float) {
+    return Fn(reinterpret_cast<const T*>(s ? s[0] : nullptr), ss, reinterpret_cast<T*>(d ? d[0] : nullptr), ds, r);
+}
+template <class T, auto Fn>
+KroStatus cIR(uint8_t* const*, int, uint8_t* const* d, int ds, kroiSize r, float, float) {
+    return Fn(reinterpret_cast<T*>(d ? d[0] : nullptr), ds, r);
+}
+template <class T, auto Fn>
+KroStatus pR(uint8_t* const* s, int ss, uint8_t* const* d, int ds, kroiSize r, float, float) {
+    return Fn(reinterpret_cast<const T* const*>(s), ss, reinterpret_cast<T* const*>(d), ds, r);
+}
+template <class T, auto Fn>
+KroStatus pIR(uint8_t* const*, int, uint8_t* const* d, int ds, kroiSize r, float, float) {
+    return Fn(reinterpret_cast<T* const*>(d), ds, r);
+}
+template <auto Fn>
+KroStatus fcR(uint8_t* const* s, int ss, uint8_t* const* d, int ds, kroiSize r, float lo, float hi) {
+    return Fn(reinterpret_cast<const Kro32f*>(s ? s[0] : nullptr), ss, reinterpret_cast<Kro32f*>(d ? d[0] : nullptr), ds,
+              r, lo, hi);
+}
+template <auto Fn>
+KroStatus fcIR(uint8_t* const*, int, uint8_t* const* d, int ds, kroiSize r, float lo, float hi) {
+    return Fn(reinterpret_cast<Kro32f*>(d ? d[0] : nullptr), ds, r, lo, hi);
+}
+template <auto Fn>
+KroStatus fpR(uint8_t* const* s, int ss, uint8_t* const* d, int ds, kroiSize r, float lo, float hi) {
+    return Fn(reinterpret_cast<const Kro32f* const*>(s), ss, reinterpret_cast<Kro32f* const*>(d), ds, r, lo, hi);
+}
+template <auto Fn>
+KroStatus fpIR(uint8_t* const*, int, uint8_t* const* d, int ds, kroiSize r, float lo, float hi) {
+    return Fn(reinterpret_cast<Kro32f* const*>(d), ds, r, lo, hi);
+}
+
+#define INT_OPS(D, fw, T, tag, ty)                                                                           \
+    {"kroiGamma" #D "_" #tag "_C3R", ty, Lay::C3, false, fw, false, cR<T, kroiGamma##D##_##tag##_C3R>},      \
+        {"kroiGamma" #D "_" #tag "_C3IR", ty, Lay::C3, true, fw, false, cIR<T, kroiGamma##D##_##tag##_C3IR>}, \
+        {"kroiGamma" #D "_" #tag "_AC4R", ty, Lay::AC4, false, fw, false, cR<T, kroiGamma##D##_##tag##_AC4R>}, \
+        {"kroiGamma" #D "_" #tag "_AC4IR", ty, Lay::AC4, true, fw, false, cIR<T, kroiGamma##D##_##tag##_AC4IR>}, \
+        {"kroiGamma" #D "_" #tag "_P3R", ty, Lay::P3, false, fw, false, pR<T, kroiGamma##D##_##tag##_P3R>},   \
+        {"kroiGamma" #D "_" #tag "_IP3R", ty, Lay::P3, true, fw, false, pIR<T, kroiGamma##D##_##tag##_IP3R>}
+
+// Which float forms take the break test in doubles is part of each operation.
+const Op kOps[] = {
+    INT_OPS(Fwd, true, Kro8u, 8u, Ty::U8),
+    INT_OPS(Inv, false, Kro8u, 8u, Ty::U8),
+    INT_OPS(Fwd, true, Kro16u, 16u, Ty::U16),
+    INT_OPS(Inv, false, Kro16u, 16u, Ty::U16),
+    {"kroiGammaFwd_32f_C3R", Ty::F32, Lay::C3, false, true, false, fcR<kroiGammaFwd_32f_C3R>},
+    {"kroiGammaFwd_32f_C3IR", Ty::F32, Lay::C3, true, true, false, fcIR<kroiGammaFwd_32f_C3IR>},
+    {"kroiGammaFwd_32f_AC4R", Ty::F32, Lay::AC4, false, true, false, fcR<kroiGammaFwd_32f_AC4R>},
+    {"kroiGammaFwd_32f_AC4IR", Ty::F32, Lay::AC4, true, true, true, fcIR<kroiGammaFwd_32f_AC4IR>},
+    {"kroiGammaFwd_32f_P3R", Ty::F32, Lay::P3, false, true, false, fpR<kroiGammaFwd_32f_P3R>},
+    {"kroiGammaFwd_32f_IP3R", Ty::F32, Lay::P3, true, true, false, fpIR<kroiGammaFwd_32f_IP3R>},
+    {"kroiGammaInv_32f_C3R", Ty::F32, Lay::C3, false, false, false, fcR<kroiGammaInv_32f_C3R>},
+    {"kroiGammaInv_32f_C3IR", Ty::F32, Lay::C3, true, false, false, fcIR<kroiGammaInv_32f_C3IR>},
+    {"kroiGammaInv_32f_AC4R", Ty::F32, Lay::AC4, false, false, true, fcR<kroiGammaInv_32f_AC4R>},
+    {"kroiGammaInv_32f_AC4IR", Ty::F32, Lay::AC4, true, false, true, fcIR<kroiGammaInv_32f_AC4IR>},
+    {"kroiGammaInv_32f_P3R", Ty::F32, Lay::P3, false, false, true, fpR<kroiGammaInv_32f_P3R>},
+    {"kroiGammaInv_32f_IP3R", Ty::F32, Lay::P3, true, false, true, fpIR<kroiGammaInv_32f_IP3R>},
+};
+
+int sampleSize(Ty t) { return t == Ty::U8 ? 1 : t == Ty::U16 ? 2 : 4; }
+int samplesPerPixel(Lay l) { return l == Lay::C3 ? 3 : l == Lay::AC4 ? 4 : 1; }
+int planesOf(Lay l) { return l == Lay::P3 ? 3 : 1; }
+
+const std::vector<int>& table(bool forward, Ty t) {
+    static const std::vector<int> t8f = ref::gammaTable(true, 255), t8i = ref::gammaTable(false, 255),
+                                  t16f = ref::gammaTable(true, 65535), t16i = ref::gammaTable(false, 65535);
+    if (t == Ty::U8) return forward ? t8f : t8i;
+    return forward ? t16f : t16i;
+}
+
+// The reference for one sample: src bytes to dst bytes.
+void refSample(const Op& op, const uint8_t* s, uint8_t* d, float lo, float hi) {
+    if (op.ty == Ty::U8) {
+        d[0] = uint8_t(table(op.forward, op.ty)[s[0]]);
+    } else if (op.ty == Ty::U16) {
+        uint16_t v;
+        std::memcpy(&v, s, 2);
+        v = uint16_t(table(op.forward, op.ty)[v]);
+        std::memcpy(d, &v, 2);
+    } else {
+        float v;
+        std::memcpy(&v, s, 4);
+        v = ref::gammaFloat(op.forward, op.wide, v, lo, hi);
+        std::memcpy(d, &v, 4);
+    }
+}
+
+// Float samples worth meeting: spread over and beyond the range, and the edges.
+float pickFloat(std::mt19937& r, float lo, float hi) {
+    static const float edges[] = {0.0f, -0.0f, 1.0f, FLT_MIN, -FLT_MIN, 1e-45f, -1e-45f, 1e-39f, FLT_MAX, -FLT_MAX,
+                                  INFINITY, -INFINITY, NAN, -NAN, 0.018f, 0.0812f, 1e-30f, 1e30f};
+    const uint32_t k = r() % 64;
+    if (k == 0) return edges[r() % (sizeof edges / sizeof edges[0])];
+    if (k == 1) return lo;
+    if (k == 2) return hi;
+    const float u = float(r() % 1000000) / 1000000.0f;
+    if (k < 8) return lo + (hi - lo) * (u * 1.4f - 0.2f);  // a little outside the range
+    if (k < 20) return lo + (hi - lo) * u * 0.1f;          // near the break
+    return lo + (hi - lo) * u;
+}
+
+// One image side: 1 or 3 guarded planes of `rows` rows, each padded by `pad`
+// canary bytes, the first row at byte `offset` of its mapping.
+struct Side {
+    std::vector<GuardedBuf> bufs;
+    std::vector<uint8_t*> origin;
+    int step = 0, rowBytes = 0, rows = 0;
+    Side(int planes, int rowBytes_, int rows_, int pad, int offset, Guard g) : rowBytes(rowBytes_), rows(rows_) {
+        step = rowBytes + pad;
+        for (int p = 0; p < planes; ++p) {
+            bufs.emplace_back(size_t(offset) + size_t(step) * (rows - 1) + rowBytes, g);
+            fillRandom(bufs.back().data(), bufs.back().size());
+            origin.push_back(bufs.back().data() + offset);
+        }
+    }
+    uint8_t* at(int p, int y, int byte) const { return origin[size_t(p)] + size_t(step) * y + byte; }
+    std::vector<std::vector<uint8_t>> snapshot() const {
+        std::vector<std::vector<uint8_t>> s;
+        for (auto& b : bufs) s.emplace_back(b.data(), b.data() + b.size());
+        return s;
+    }
+    // Expected images are snapshots; the same byte offsets address them.
+    uint8_t* atIn(std::vector<std::vector<uint8_t>>& snap, int p, int y, int byte) const {
+        return snap[size_t(p)].data() + (at(p, y, byte) - bufs[size_t(p)].data());
+    }
+};
+
+enum class Fill { Random, Ramp };
+
+void fillSamples(const Op& op, Side& s, int width, Fill f, float lo, float hi, uint32_t seed) {
+    std::mt19937 r(seed);
+    const int S = sampleSize(op.ty), spp = samplesPerPixel(op.lay);
+    int count = 0;
+    for (int p = 0; p < planesOf(op.lay); ++p)
+        for (int y = 0; y < s.rows; ++y)
+            for (int i = 0; i < width * spp; ++i) {
+                uint8_t* q = s.at(p, y, S * i);
+                if (op.ty == Ty::F32) {
+                    const float v = pickFloat(r, lo, hi);
+                    std::memcpy(q, &v, 4);
+                } else if (f == Fill::Ramp) {
+                    const uint16_t v = uint16_t(count++);
+                    std::memcpy(q, &v, size_t(S));
+                }
+            }
+}
+
+// Equal as bytes, or both NaN (the payload of a NaN result is the library's).
+bool sameSample(const Op& op, const uint8_t* a, const uint8_t* b) {
+    if (op.ty == Ty::F32) {
+        float x, y;
+        std::memcpy(&x, a, 4);
+        std::memcpy(&y, b, 4);
+        if (std::isnan(x) && std::isnan(y)) return true;
+    }
+    return std::memcmp(a, b, size_t(sampleSize(op.ty))) == 0;
+}
+
+// One call against the reference; whole mappings compared (pixels, kept
+// fourth samples and canaries). Returns a message on the first difference.
+std::string runCase(const Op& op, int width, int height, int pad, int offset, Guard g, Fill fill, float lo, float hi,
+                    uint32_t seed) {
+    const int S = sampleSize(op.ty), spp = samplesPerPixel(op.lay), np = planesOf(op.lay);
+    const int rowBytes = width * spp * S;
+    Side dst(np, rowBytes, height, pad, offset, g);
+    Side src(np, rowBytes, height, pad + 3, (offset + 5) % 16, g);
+    Side& in = op.inPlace ? dst : src;
+    fillSamples(op, in, width, fill, lo, hi, seed);
+    const auto before = in.snapshot();
+    auto expect = dst.snapshot();
+    for (int p = 0; p < np; ++p)
+        for (int y = 0; y < height; ++y)
+            for (int i = 0; i < width * spp; ++i) {
+                if (op.lay == Lay::AC4 && i % 4 == 3) continue;
+                const uint8_t* sp = op.inPlace ? in.atIn(const_cast<std::vector<std::vector<uint8_t>>&>(before), p, y, S * i)
+                                               : in.at(p, y, S * i);
+                refSample(op, sp, dst.atIn(expect, p, y, S * i), lo, hi);
+            }
+    const KroStatus st = op.call(in.origin.data(), in.step, dst.origin.data(), dst.step, {width, height}, lo, hi);
+    if (st != kroStatusOk) return "status " + std::to_string(st);
+    if (!op.inPlace)
+        for (int p = 0; p < np; ++p)
+            if (std::memcmp(src.bufs[size_t(p)].data(), before[size_t(p)].data(), before[size_t(p)].size()) != 0)
+                return "source changed";
+    for (int p = 0; p < np; ++p) {
+        const uint8_t* got = dst.bufs[size_t(p)].data();
+        const auto& want = expect[size_t(p)];
+        for (size_t b = 0; b < want.size(); b += 1) {
+            if (got[b] == want[b]) continue;
+            const std::ptrdiff_t off = (dst.bufs[size_t(p)].data() + b) - dst.origin[size_t(p)];
+            const std::ptrdiff_t y = off / dst.step, inRow = off % dst.step;
+            const std::ptrdiff_t sampleStart = b - size_t(inRow % S);
+            if (inRow >= 0 && inRow < rowBytes && sameSample(op, got + sampleStart, want.data() + sampleStart)) continue;
+            char msg[200];
+            std::snprintf(msg, sizeof msg, "plane %d row %td byte %td (sample %td%s): got %d want %d", p, y, inRow,
+                          inRow / S, inRow >= rowBytes ? ", canary" : "", got[b], want[b]);
+            return msg;
+        }
+    }
+    return {};
+}
+
+struct RangeCase {
+    float lo, hi;
+};
+const RangeCase kRanges[] = {{0.0f, 1.0f}, {0.1f, 0.6f}, {0.0f, 255.0f}, {-1.0f, 1.0f}, {-0.0f, 2.0f}, {1000.0f, 1000.5f}};
+
+std::vector<int> widths() {
+    std::vector<int> w;
+    for (int i = 1; i <= 40; ++i) w.push_back(i);
+    // float blocks are 384 samples (128 pixels of C3 or AC4): past three of them
+    for (int i : {63, 64, 65, 95, 127, 128, 129, 130, 131, 255, 256, 257, 383, 384, 385, 386, 387, 389, 400})
+        w.push_back(i);
+    return w;
+}
+
+class GammaOp : public ::testing::TestWithParam<Op> {};
+
+TEST_P(GammaOp, EveryWidthAgainstReference) {
+    const Op& op = GetParam();
+    uint32_t seed = 1;
+    for (int w : widths()) {
+        const RangeCase rc = kRanges[size_t(w) % (sizeof kRanges / sizeof kRanges[0])];
+        const std::string e = runCase(op, w, 3, (w % 3) * 7, w % 16, Guard::After, Fill::Random, rc.lo, rc.hi, seed++);
+        ASSERT_TRUE(e.empty()) << op.name << " width " << w << " range " << rc.lo << ".." << rc.hi << ": " << e;
+    }
+}
+
+TEST_P(GammaOp, EveryStartOffsetBothGuards) {
+    const Op& op = GetParam();
+    uint32_t seed = 100;
+    for (Guard g : {Guard::After, Guard::Before})
+        for (int off = 0; off < 16; ++off)
+            for (int w : {1, 3, 5, 17, 130, 389})
+                for (int pad : {0, 1, 16}) {
+                    const RangeCase rc = kRanges[size_t(off) % (sizeof kRanges / sizeof kRanges[0])];
+                    const std::string e = runCase(op, w, off % 2 ? 2 : 5, pad, off, g, Fill::Random, rc.lo, rc.hi, seed++);
+                    ASSERT_TRUE(e.empty()) << op.name << " offset " << off << " width " << w << " pad " << pad
+                                           << (g == Guard::Before ? " guard before" : " guard after") << ": " << e;
+                }
+}
+
+// Every input value of the integer forms, in every path of the row.
+TEST_P(GammaOp, EveryIntegerInput) {
+    const Op& op = GetParam();
+    if (op.ty == Ty::F32) return;  // float forms: see the edge values
+    const int values = op.ty == Ty::U8 ? 256 : 65536;
+    const int spp = samplesPerPixel(op.lay);
+    const int perPixel = op.lay == Lay::AC4 ? 4 : spp;  // ramp counts every sample, kept ones included
+    for (int extra : {0, 1, 2}) {
+        const int width = (values + perPixel - 1) / perPixel + extra;
+        const std::string e = runCase(op, width, 1, 0, extra, Guard::After, Fill::Ramp, 0, 1, 7);
+        ASSERT_TRUE(e.empty()) << op.name << ": " << e;
+    }
+    // AC4: shifted by one sample so that every value also lands in a colour channel
+    if (op.lay == Lay::AC4) {
+        for (int shift = 1; shift < 4; ++shift) {
+            const int width = values / 4 + 1;
+            Side d(1, width * 4 * sampleSize(op.ty), 1, 0, 0, Guard::After);
+            std::vector<int> in(size_t(width) * 4);
+            for (size_t i = 0; i < in.size(); ++i) in[i] = int((i + size_t(shift)) % size_t(values));
+            for (size_t i = 0; i < in.size(); ++i) {
+                const uint16_t v = uint16_t(in[i]);
+                std::memcpy(d.at(0, 0, int(i) * sampleSize(op.ty)), &v, size_t(sampleSize(op.ty)));
+            }
+            uint8_t* planes[1] = {d.origin[0]};
+            ASSERT_EQ(op.call(planes, d.step, planes, d.step, {width, 1}, 0, 1), kroStatusOk);
+            for (size_t i = 0; i < in.size(); ++i) {
+                uint16_t got = 0;
+                std::memcpy(&got, d.at(0, 0, int(i) * sampleSize(op.ty)), size_t(sampleSize(op.ty)));
+                const int want = i % 4 == 3 ? in[i] : table(op.forward, op.ty)[size_t(in[i])];
+                ASSERT_EQ(got, want) << op.name << " sample " << i << " input " << in[i];
+            }
+        }
+    }
+}
+
+// Edge values of the float forms in every lane position, bit for bit (NaN as NaN).
+TEST_P(GammaOp, FloatEdgeValues) {
+    const Op& op = GetParam();
+    if (op.ty != Ty::F32) return;  // integer forms: see every input
+    const float edges[] = {0.0f, -0.0f, 1e-45f, -1e-45f, 1e-39f, FLT_MIN, -FLT_MIN, 1e-30f, 0.0179999992f, 0.018f,
+                           0.0812000036f, 0.0812f, 0.5f, 1.0f, 1.0000001f, 0.99999994f, 2.0f, 255.0f, 1e30f, FLT_MAX,
+                           -FLT_MAX, INFINITY, -INFINITY, NAN, -1.0f, -0.5f};
+    const int ne = int(sizeof edges / sizeof edges[0]);
+    for (const RangeCase& rc : kRanges) {
+        for (int shift = 0; shift < 4; ++shift) {
+            const int spp = samplesPerPixel(op.lay), np = planesOf(op.lay);
+            const int width = (ne + shift + spp - 1) / spp + 1;
+            Side in(np, width * spp * 4, 1, 0, 0, Guard::After);
+            Side out(np, width * spp * 4, 1, 0, 0, Guard::After);
+            Side& d = op.inPlace ? in : out;
+            for (int p = 0; p < np; ++p)
+                for (int i = 0; i < width * spp; ++i) {
+                    const float v = edges[(i + shift + p) % ne] * (rc.hi - rc.lo) + rc.lo;
+                    const float raw = (i + p) % 2 ? edges[(i + shift) % ne] : v;  // values on the range's scale and raw
+                    std::memcpy(in.at(p, 0, 4 * i), &raw, 4);
+                }
+            const auto src = in.snapshot();
+            ASSERT_EQ(op.call(in.origin.data(), in.step, d.origin.data(), d.step, {width, 1}, rc.lo, rc.hi), kroStatusOk);
+            for (int p = 0; p < np; ++p)
+                for (int i = 0; i < width * spp; ++i) {
+                    if (op.lay == Lay::AC4 && i % 4 == 3) continue;
+                    float x, got;
+                    std::memcpy(&x, src[size_t(p)].data() + 4 * i, 4);
+                    std::memcpy(&got, d.at(p, 0, 4 * i), 4);
+                    const float want = ref::gammaFloat(op.forward, op.wide, x, rc.lo, rc.hi);
+                    if (std::isnan(want)) {
+                        EXPECT_TRUE(std::isnan(got)) << op.name << " x " << x;
+                    } else {
+                        uint32_t gb, wb;
+                        std::memcpy(&gb, &got, 4);
+                        std::memcpy(&wb, &want, 4);
+                        EXPECT_EQ(gb, wb) << op.name << " range " << rc.lo << ".." << rc.hi << " x " << x << " got "
+                                          << got << " want " << want;
+                    }
+                }
+        }
+    }
+}
+
+// Under each rounding mode (and with flush-to-zero and denormals-are-zero
+// set), the results are the reference's under that mode with the power at
+// round-to-nearest, and the caller's control bits are back after the call.
+TEST_P(GammaOp, CallersRoundingModeKept) {
+    const Op& op = GetParam();
+    const unsigned saved = _mm_getcsr();
+    for (int mode : {FE_TONEAREST, FE_DOWNWARD, FE_UPWARD, FE_TOWARDZERO}) {
+        for (bool ftz : {false, true}) {
+            std::fesetround(mode);
+            const unsigned before = _mm_getcsr() | (ftz ? 0x8040u : 0u);
+            _mm_setcsr(before);
+            std::string e;
+            if (!ftz) e = runCase(op, 131, 2, 4, 3, Guard::After, Fill::Random, 0.0f, 1.0f, 900 + unsigned(mode));
+            if (!ftz && e.empty())
+                e = runCase(op, 131, 2, 4, 3, Guard::After, Fill::Random, 0.1f, 0.6f, 901 + unsigned(mode));
+            if (ftz) {
+                Side d(planesOf(op.lay), 20 * samplesPerPixel(op.lay) * sampleSize(op.ty), 2, 0, 0, Guard::After);
+                _mm_setcsr(before);
+                op.call(d.origin.data(), d.step, d.origin.data(), d.step, {20, 2}, 0.0f, 1.0f);
+            }
+            const unsigned after = _mm_getcsr();
+            _mm_setcsr(saved);
+            EXPECT_TRUE(e.empty()) << op.name << " mode " << mode << ": " << e;
+            EXPECT_EQ(after & ~0x3Fu, before & ~0x3Fu) << op.name << " mode " << mode << (ftz ? " ftz" : "");
+        }
+    }
+    _mm_setcsr(saved);
+}
+
+// Check order: range (float forms), null, deep null, size, step; nothing written.
+TEST_P(GammaOp, StatusAndCheckOrder) {
+    const Op& op = GetParam();
+    const bool isF = op.ty == Ty::F32;
+    const int np = planesOf(op.lay), rb = 4 * samplesPerPixel(op.lay) * sampleSize(op.ty);
+    Side s(np, rb, 2, 0, 0, Guard::After), d(np, rb, 2, 0, 0, Guard::After);
+    Side& in = op.inPlace ? d : s;
+    const auto snapS = s.snapshot(), snapD = d.snapshot();
+    uint8_t* nullPlanes[3] = {nullptr, nullptr, nullptr};
+    std::vector<uint8_t*> holeIn = in.origin, holeOut = d.origin;
+    holeIn[size_t(np - 1)] = nullptr;
+    holeOut[0] = nullptr;
+    struct Row {
+        const char* what;
+        uint8_t* const* src;
+        uint8_t* const* dst;
+        int ss, ds;
+        kroiSize r;
+        float lo, hi;
+        KroStatus want;
+    };
+    const kroiSize ok{4, 2};
+    const float nanf = NAN;
+    std::vector<Row> rows = {
+        {"ok", in.origin.data(), d.origin.data(), in.step, d.step, ok, 0, 1, kroStatusOk},
+        {"null dst, zero size, zero step", in.origin.data(), nullptr, 0, 0, {0, 0}, 0, 1, kroStatusNullPointer},
+        {"null element, zero size", in.origin.data(), np == 3 ? holeOut.data() : nullPlanes, 1, 1, {0, 1}, 0, 1,
+         kroStatusNullPointer},
+        {"zero width, zero step", in.origin.data(), d.origin.data(), 0, 0, {0, 2}, 0, 1, kroStatusBadSize},
+        {"negative height", in.origin.data(), d.origin.data(), in.step, d.step, {4, -1}, 0, 1, kroStatusBadSize},
+        {"zero dst step", in.origin.data(), d.origin.data(), in.step, 0, ok, 0, 1, kroStatusBadStep},
+        {"negative dst step", in.origin.data(), d.origin.data(), in.step, -d.step, ok, 0, 1, kroStatusBadStep},
+    };
+    if (!op.inPlace) {
+        rows.push_back({"null src", nullptr, d.origin.data(), 0, 0, {0, 0}, 0, 1, kroStatusNullPointer});
+        rows.push_back({"zero src step", in.origin.data(), d.origin.data(), 0, d.step, ok, 0, 1, kroStatusBadStep});
+        if (np == 3)
+            rows.push_back({"null src element", holeIn.data(), d.origin.data(), 1, 1, ok, 0, 1, kroStatusNullPointer});
+    }
+    if (isF) {
+        const std::vector<Row> bad = {
+            {"range equal, null, zero size", nullptr, nullptr, 0, 0, {0, 0}, 0.5f, 0.5f, kroStatusBadGammaRange},
+            {"range reversed", in.origin.data(), d.origin.data(), in.step, d.step, ok, 1, 0, kroStatusBadGammaRange},
+            {"range NaN", in.origin.data(), d.origin.data(), in.step, d.step, ok, 0, nanf, kroStatusBadGammaRange},
+            {"range -0..0", in.origin.data(), d.origin.data(), in.step, d.step, ok, -0.0f, 0.0f, kroStatusBadGammaRange},
+            {"range one unit wide", in.origin.data(), d.origin.data(), in.step, d.step, ok, 1.0f,
+             std::nextafter(1.0f, 2.0f), kroStatusOk},
+        };
+        rows.insert(rows.end(), bad.begin(), bad.end());
+    } else {
+        rows.push_back({"reversed range ignored", in.origin.data(), d.origin.data(), in.step, d.step, ok, 1, 0, kroStatusOk});
+    }
+    for (const Row& r : rows) {
+        const KroStatus st = op.call(r.src, r.ss, r.dst, r.ds, r.r, r.lo, r.hi);
+        EXPECT_EQ(st, r.want) << op.name << ": " << r.what;
+        if (r.want != kroStatusOk) {
+            for (int p = 0; p < np; ++p) {
+                EXPECT_EQ(0, std::memcmp(d.bufs[size_t(p)].data(), snapD[size_t(p)].data(), snapD[size_t(p)].size()))
+                    << op.name << ": " << r.what << " wrote";
+                EXPECT_EQ(0, std::memcmp(s.bufs[size_t(p)].data(), snapS[size_t(p)].data(), snapS[size_t(p)].size()))
+                    << op.name << ": " << r.what << " wrote";
+            }
+        } else {
+            // restore for the next row
+            for (int p = 0; p < np; ++p) {
+                std::memcpy(d.bufs[size_t(p)].data(), snapD[size_t(p)].data(), snapD[size_t(p)].size());
+                std::memcpy(s.bufs[size_t(p)].data(), snapS[size_t(p)].data(), snapS[size_t(p)].size());
+            }
+        }
+    }
+}
+
+std::string opName(const ::testing::TestParamInfo<Op>& i) { return std::string(i.param.name).substr(4); }
+INSTANTIATE_TEST_SUITE_P(All, GammaOp, ::testing::ValuesIn(kOps), opName);
+
+// ------------------------------------------------------------ tables
+TEST(GammaTables, BuiltTablesEqualTheRule) {
+    namespace g = kro::gamma;
+    for (int i = 0; i < 256; ++i) {
+        EXPECT_EQ((g::kTable<Kro8u, g::Dir::Fwd>.v[i]), ref::gammaEntry(true, i, 255)) << i;
+        EXPECT_EQ((g::kTable<Kro8u, g::Dir::Inv>.v[i]), ref::gammaEntry(false, i, 255)) << i;
+    }
+    int bad = 0;
+    for (int i = 0; i < 65536 && bad < 10; ++i) {
+        if ((g::kTable<Kro16u, g::Dir::Fwd>.v[i]) != ref::gammaEntry(true, i, 65535)) ++bad, ADD_FAILURE() << "fwd " << i;
+        if ((g::kTable<Kro16u, g::Dir::Inv>.v[i]) != ref::gammaEntry(false, i, 65535)) ++bad, ADD_FAILURE() << "inv " << i;
+    }
+}
+
+template <class T, class Fn>
+int one(Fn fn, int v) {
+    T px[3] = {T(v), T(v), T(v)}, out[3] = {};
+    EXPECT_EQ(fn(px, int(sizeof px), out, int(sizeof out), kroiSize{1, 1}), kroStatusOk);
+    EXPECT_TRUE(out[0] == out[1] && out[1] == out[2]);
+    return out[0];
+}
+
+TEST(GammaExamples, Integer) {
+    auto f8 = kroiGammaFwd_8u_C3R;
+    EXPECT_EQ(one<Kro8u>(f8, 0), 0);
+    EXPECT_EQ(one<Kro8u>(f8, 1), 4);
+    EXPECT_EQ(one<Kro8u>(f8, 2), 9);
+    EXPECT_EQ(one<Kro8u>(f8, 3), 14);
+    EXPECT_EQ(one<Kro8u>(f8, 4), 18);
+    EXPECT_EQ(one<Kro8u>(f8, 254), 255);
+    EXPECT_EQ(one<Kro8u>(f8, 255), 255);
+    auto i8 = kroiGammaInv_8u_C3R;
+    for (int v : {0, 1, 2}) EXPECT_EQ(one<Kro8u>(i8, v), 0);
+    EXPECT_EQ(one<Kro8u>(i8, 3), 1);
+    EXPECT_EQ(one<Kro8u>(i8, 7), 2);
+    EXPECT_EQ(one<Kro8u>(i8, 254), 253);
+    EXPECT_EQ(one<Kro8u>(i8, 255), 255);
+    auto f16 = kroiGammaFwd_16u_C3R;
+    EXPECT_EQ(one<Kro16u>(f16, 1), 4);
+    EXPECT_EQ(one<Kro16u>(f16, 5), 22);
+    EXPECT_EQ(one<Kro16u>(f16, 9), 40);
+    EXPECT_EQ(one<Kro16u>(f16, 4082), 14164);
+    EXPECT_EQ(one<Kro16u>(f16, 7069), 19952);
+    EXPECT_EQ(one<Kro16u>(f16, 65535), 65535);
+    auto i16 = kroiGammaInv_16u_C3R;
+    EXPECT_EQ(one<Kro16u>(i16, 1), 0);
+    EXPECT_EQ(one<Kro16u>(i16, 2), 0);
+    EXPECT_EQ(one<Kro16u>(i16, 3), 1);
+    EXPECT_EQ(one<Kro16u>(i16, 12009), 3196);
+    EXPECT_EQ(one<Kro16u>(i16, 65535), 65535);
+}
+
+float oneF(const Op& op, float x, float lo, float hi) {
+    const int spp = samplesPerPixel(op.lay), np = planesOf(op.lay);
+    Side s(np, 4 * spp, 1, 0, 0, Guard::After), d(np, 4 * spp, 1, 0, 0, Guard::After);
+    for (int p = 0; p < np; ++p)
+        for (int i = 0; i < spp; ++i) std::memcpy(s.at(p, 0, 4 * i), &x, 4);
+    Side& out = op.inPlace ? s : d;
+    EXPECT_EQ(op.call(s.origin.data(), s.step, out.origin.data(), out.step, {1, 1}, lo, hi), kroStatusOk);
+    float y;
+    std::memcpy(&y, out.at(np - 1, 0, 0), 4);
+    return y;
+}
+const Op& opNamed(const char* n) {
+    for (const Op& o : kOps)
+        if (std::string(o.name) == n) return o;
+    std::abort();
+}
+
+TEST(GammaExamples, Float) {
+    const Op& fc3 = opNamed("kroiGammaFwd_32f_C3R");
+    // 0.005 gives 0.0225 as a rounded figure: the product 4.5 x 0.005f is the float
+    // just below the one nearest 0.0225
+    EXPECT_EQ(oneF(fc3, 0.005f, 0, 1), 0.022499999f);
+    EXPECT_NEAR(oneF(fc3, 0.005f, 0, 1), 0.0225, 1e-9);
+    EXPECT_EQ(oneF(fc3, 0.05f, 0, 1), 0.186452746f);
+    EXPECT_EQ(oneF(fc3, 0.9f, 0, 1), 0.949109912f);
+    const Op& ic3 = opNamed("kroiGammaInv_32f_C3R");
+    EXPECT_EQ(oneF(ic3, 0.005f, 0, 1), 0.00111111114f);
+    EXPECT_EQ(oneF(ic3, 0.05f, 0, 1), 0.0111111114f);
+    EXPECT_EQ(oneF(ic3, 0.9f, 0, 1), 0.808962464f);
+    EXPECT_EQ(oneF(opNamed("kroiGammaInv_32f_AC4R"), 0.9f, 0, 1), 0.808962584f);
+    // a sample at vMin stays vMin in every float form
+    for (const Op& o : kOps)
+        if (o.ty == Ty::F32)
+            for (const RangeCase& rc : kRanges) EXPECT_EQ(oneF(o, rc.lo, rc.lo, rc.hi), rc.lo) << o.name;
+    EXPECT_NEAR(oneF(opNamed("kroiGammaFwd_32f_P3R"), 0.55f, 0.1f, 0.6f), 0.574555f, 2e-6);
+    EXPECT_NEAR(oneF(opNamed("kroiGammaInv_32f_P3R"), 0.574555f, 0.1f, 0.6f), 0.55f, 2e-6);
+    EXPECT_NEAR(oneF(fc3, 229.5f, 0, 255), 242.023f, 1e-3);
+    // vMin exactly 0 (either sign): nothing subtracted or added, so -0 stays -0
+    for (const Op& o : kOps)
+        if (o.ty == Ty::F32) {
+            EXPECT_TRUE(std::signbit(oneF(o, -0.0f, 0.0f, 1.0f))) << o.name;
+            EXPECT_TRUE(std::signbit(oneF(o, -0.0f, -0.0f, 1.0f))) << o.name;
+        }
+}
+
+// ------------------------------------------------------------ the power routine
+int ulpDiff(float a, float b) {
+    int32_t x, y;
+    std::memcpy(&x, &a, 4);
+    std::memcpy(&y, &b, 4);
+    return std::abs(x - y);
+}
+
+TEST(GammaPower, WithinOneUnitOfTheTruePowerMostlyExact) {
+    namespace g = kro::gamma;
+    std::mt19937 r(77);
+    const int n = KROCC_FULL_SWEEPS ? 1 << 18 : 1 << 13;
+    std::vector<float> in(size_t(n) + 3), out(size_t(n) + 3);
+    for (int i = 0; i < n + 3; ++i) {
+        uint32_t b = r() % 0x7F800000u;  // every positive finite float, denormals included
+        std::memcpy(&in[size_t(i)], &b, 4);
+    }
+    for (float e : {g::gExp, g::iExp}) {
+        for (int count : {n + 3, n + 1, 7}) {
+            g::power(in.data(), e, out.data(), count);
+            int inexact = 0;
+            for (int i = 0; i < count; ++i) {
+                const float want = ref::power(in[size_t(i)], e);
+                const int d = ulpDiff(out[size_t(i)], want);
+                ASSERT_LE(d, 1) << in[size_t(i)] << "^" << e;
+                inexact += d != 0;
+            }
+            EXPECT_LE(inexact, count / 100000 + 1) << e;
+        }
+    }
+}
+
+TEST(GammaPower, SpecialInputsAndStateKept) {
+    namespace g = kro::gamma;
+    const float in[7] = {0.0f, -0.0f, -1.0f, NAN, INFINITY, 1.0f, -INFINITY};
+    float out[7];
+    const unsigned saved = _mm_getcsr();
+    _mm_setcsr((saved & ~0x603Fu) | 0x6000u | 0x8040u);  // toward zero, flush and denormals-as-zero, no flags
+    const unsigned before = _mm_getcsr();
+    g::power(in, g::iExp, out, 7);
+    const unsigned after = _mm_getcsr();
+    _mm_setcsr(saved);
+    EXPECT_EQ(after, before) << "flags and controls as they were";
+    EXPECT_EQ(out[0], 0.0f);
+    EXPECT_EQ(out[1], 0.0f);
+    EXPECT_TRUE(std::isnan(out[2]));
+    EXPECT_TRUE(std::isnan(out[3]));
+    EXPECT_EQ(out[4], INFINITY);
+    EXPECT_EQ(out[5], 1.0f);
+    EXPECT_TRUE(std::isnan(out[6]));
+    // denormal input kept (not flushed) even with the caller's DAZ set
+    const float tiny = 1e-42f;
+    float res;
+    _mm_setcsr(saved | 0x8040u);
+    g::power(&tiny, g::gExp, &res, 1);
+    _mm_setcsr(saved);
+    EXPECT_EQ(res, ref::power(tiny, g::gExp));
+    EXPECT_GT(res, 0.0f);
+}
+
+}  // namespace
