@@ -506,6 +506,12 @@ KroStatus kroiColorTwist_32f_IP3R(Kro32f* const pSrcDst[3], int srcDstStep, kroi
 KroStatus kroiColorTwist_32f_C4R(const Kro32f* pSrc, int srcStep, Kro32f* pDst, int dstStep, kroiSize roiSize, const Kro32f twist[4][4]);
 
 /* ------------------------------------------------------------ tone mapping */
+/* One-channel float image to 8 bits by one scale: the image maximum to 255 (Linear: low 8 bits of
+ * the truncated product), or twice the image mean to 255 (Mean: saturated). A measure below 0
+ * returns kroStatusNothingDone and writes nothing; a measure not above the smallest normal float
+ * fills the region with 0. Steps in bytes, not tested. */
+KroStatus kroiToneMapLinear_32f8u_C1R(const Kro32f* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiToneMapMean_32f8u_C1R(const Kro32f* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
 
 /* ------------------------------------------------------------ bit-depth reduction and dithering */
 
