@@ -518,8 +518,45 @@ KroStatus kroiGammaInv_32f_P3R(const Kro32f* const pSrc[3], int srcStep, Kro32f*
 KroStatus kroiGammaInv_32f_IP3R(Kro32f* const pSrcDst[3], int srcDstStep, kroiSize roiSize, Kro32f vMin, Kro32f vMax);
 
 /* ------------------------------------------------------------ colour twist */
+/* Each output channel a weighted sum of the three input channels plus a constant, in 32-bit
+ * floats: d_i = (twist[i][3] + s0 twist[i][0]) + (s2 twist[i][2] + s1 twist[i][1]). Integer
+ * samples saturate to their type and round to nearest even whatever the caller's rounding mode;
+ * 32f samples are stored as computed. Steps are in bytes for every sample type. AC4: the fourth
+ * sample is never written. kroiColorTwist_32f_C4R: a 4 x 4 matrix without constants, all four
+ * samples written. */
+KroStatus kroiColorTwist32f_8u_C3R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize, const Kro32f twist[3][4]);
+KroStatus kroiColorTwist32f_8u_AC4R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize, const Kro32f twist[3][4]);
+KroStatus kroiColorTwist32f_8u_C3IR(Kro8u* pSrcDst, int srcDstStep, kroiSize roiSize, const Kro32f twist[3][4]);
+KroStatus kroiColorTwist32f_8u_AC4IR(Kro8u* pSrcDst, int srcDstStep, kroiSize roiSize, const Kro32f twist[3][4]);
+KroStatus kroiColorTwist32f_8u_P3R(const Kro8u* const pSrc[3], int srcStep, Kro8u* const pDst[3], int dstStep, kroiSize roiSize, const Kro32f twist[3][4]);
+KroStatus kroiColorTwist32f_8u_IP3R(Kro8u* const pSrcDst[3], int srcDstStep, kroiSize roiSize, const Kro32f twist[3][4]);
+KroStatus kroiColorTwist32f_16u_C3R(const Kro16u* pSrc, int srcStep, Kro16u* pDst, int dstStep, kroiSize roiSize, const Kro32f twist[3][4]);
+KroStatus kroiColorTwist32f_16u_AC4R(const Kro16u* pSrc, int srcStep, Kro16u* pDst, int dstStep, kroiSize roiSize, const Kro32f twist[3][4]);
+KroStatus kroiColorTwist32f_16u_C3IR(Kro16u* pSrcDst, int srcDstStep, kroiSize roiSize, const Kro32f twist[3][4]);
+KroStatus kroiColorTwist32f_16u_AC4IR(Kro16u* pSrcDst, int srcDstStep, kroiSize roiSize, const Kro32f twist[3][4]);
+KroStatus kroiColorTwist32f_16u_P3R(const Kro16u* const pSrc[3], int srcStep, Kro16u* const pDst[3], int dstStep, kroiSize roiSize, const Kro32f twist[3][4]);
+KroStatus kroiColorTwist32f_16u_IP3R(Kro16u* const pSrcDst[3], int srcDstStep, kroiSize roiSize, const Kro32f twist[3][4]);
+KroStatus kroiColorTwist32f_16s_C3R(const Kro16s* pSrc, int srcStep, Kro16s* pDst, int dstStep, kroiSize roiSize, const Kro32f twist[3][4]);
+KroStatus kroiColorTwist32f_16s_AC4R(const Kro16s* pSrc, int srcStep, Kro16s* pDst, int dstStep, kroiSize roiSize, const Kro32f twist[3][4]);
+KroStatus kroiColorTwist32f_16s_C3IR(Kro16s* pSrcDst, int srcDstStep, kroiSize roiSize, const Kro32f twist[3][4]);
+KroStatus kroiColorTwist32f_16s_AC4IR(Kro16s* pSrcDst, int srcDstStep, kroiSize roiSize, const Kro32f twist[3][4]);
+KroStatus kroiColorTwist32f_16s_P3R(const Kro16s* const pSrc[3], int srcStep, Kro16s* const pDst[3], int dstStep, kroiSize roiSize, const Kro32f twist[3][4]);
+KroStatus kroiColorTwist32f_16s_IP3R(Kro16s* const pSrcDst[3], int srcDstStep, kroiSize roiSize, const Kro32f twist[3][4]);
+KroStatus kroiColorTwist_32f_C3R(const Kro32f* pSrc, int srcStep, Kro32f* pDst, int dstStep, kroiSize roiSize, const Kro32f twist[3][4]);
+KroStatus kroiColorTwist_32f_AC4R(const Kro32f* pSrc, int srcStep, Kro32f* pDst, int dstStep, kroiSize roiSize, const Kro32f twist[3][4]);
+KroStatus kroiColorTwist_32f_C3IR(Kro32f* pSrcDst, int srcDstStep, kroiSize roiSize, const Kro32f twist[3][4]);
+KroStatus kroiColorTwist_32f_AC4IR(Kro32f* pSrcDst, int srcDstStep, kroiSize roiSize, const Kro32f twist[3][4]);
+KroStatus kroiColorTwist_32f_P3R(const Kro32f* const pSrc[3], int srcStep, Kro32f* const pDst[3], int dstStep, kroiSize roiSize, const Kro32f twist[3][4]);
+KroStatus kroiColorTwist_32f_IP3R(Kro32f* const pSrcDst[3], int srcDstStep, kroiSize roiSize, const Kro32f twist[3][4]);
+KroStatus kroiColorTwist_32f_C4R(const Kro32f* pSrc, int srcStep, Kro32f* pDst, int dstStep, kroiSize roiSize, const Kro32f twist[4][4]);
 
 /* ------------------------------------------------------------ tone mapping */
+/* One-channel float image to 8 bits by one scale: the image maximum to 255 (Linear: low 8 bits of
+ * the truncated product), or twice the image mean to 255 (Mean: saturated). A measure below 0
+ * returns kroStatusNothingDone and writes nothing; a measure not above the smallest normal float
+ * fills the region with 0. Steps in bytes, not tested. */
+KroStatus kroiToneMapLinear_32f8u_C1R(const Kro32f* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiToneMapMean_32f8u_C1R(const Kro32f* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
 
 /* ------------------------------------------------------------ bit-depth reduction and dithering */
 

@@ -1,0 +1,534 @@
+// Colour twist: every operation against the plain reference at every width
+// past three blocks, odd heights, start offsets (also off the sample size:
+// steps are bytes), padded steps with canaries, guarded buffers; in-place
+// forms against their out-of-place twins; the caller's rounding mode under all
+// four modes; the check order; the stated examples.
+#include <gtest/gtest.h>
+
+#include <xmmintrin.h>
+
+#include <cmath>
+#include <cstring>
+#include <functional>
+#include <limits>
+
+#include "harness.h"
+#include "ref_twist.h"
+
+using namespace kt;
+
+namespace {
+
+enum class Lay { C3, AC4, P3 };
+
+// Type-erased call: plane arrays (interleaved forms use element 0).
+using Call = std::function<KroStatus(void* const* src, int srcStep, void* const* dst, int dstStep, kroiSize,
+                                     const float* twist)>;
+
+struct Op {
+    const char* name;
+    int S;  // sample bytes
+    Lay lay;
+    bool inPlace;
+    bool isFloat;
+    Call call;
+    // reference of one pixel: three samples in, three out (bytes of type T)
+    std::function<void(const float (&m)[3][4], const uint8_t* const* s, uint8_t* const* d)> ref;
+};
+
+template <class T>
+void refPixel(const float (&m)[3][4], const uint8_t* const* s, uint8_t* const* d) {
+    T in[3], out[3];
+    for (int c = 0; c < 3; ++c) std::memcpy(&in[c], s[c], sizeof(T));
+    ref::twistPixel<T>(m, in, out);
+    for (int c = 0; c < 3; ++c) std::memcpy(d[c], &out[c], sizeof(T));
+}
+
+using M34 = const Kro32f (*)[4];
+
+template <class T>
+Op opC(const char* name, Lay lay, KroStatus (*f)(const T*, int, T*, int, kroiSize, const Kro32f[3][4])) {
+    return {name, int(sizeof(T)), lay, false, std::is_same_v<T, Kro32f>,
+            [f](void* const* s, int ss, void* const* d, int ds, kroiSize r, const float* t) {
+                return f(static_cast<const T*>(s[0]), ss, static_cast<T*>(d[0]), ds, r, reinterpret_cast<M34>(t));
+            },
+            refPixel<T>};
+}
+template <class T>
+Op opCI(const char* name, Lay lay, KroStatus (*f)(T*, int, kroiSize, const Kro32f[3][4])) {
+    return {name, int(sizeof(T)), lay, true, std::is_same_v<T, Kro32f>,
+            [f](void* const* s, int ss, void* const*, int, kroiSize r, const float* t) {
+                return f(static_cast<T*>(s[0]), ss, r, reinterpret_cast<M34>(t));
+            },
+            refPixel<T>};
+}
+template <class T>
+Op opP(const char* name, KroStatus (*f)(const T* const[3], int, T* const[3], int, kroiSize, const Kro32f[3][4])) {
+    return {name, int(sizeof(T)), Lay::P3, false, std::is_same_v<T, Kro32f>,
+            [f](void* const* s, int ss, void* const* d, int ds, kroiSize r, const float* t) {
+                const T* sp[3] = {s ? static_cast<const T*>(s[0]) : nullptr, s ? static_cast<const T*>(s[1]) : nullptr,
+                                  s ? static_cast<const T*>(s[2]) : nullptr};
+                T* dp[3] = {d ? static_cast<T*>(d[0]) : nullptr, d ? static_cast<T*>(d[1]) : nullptr,
+                            d ? static_cast<T*>(d[2]) : nullptr};
+                return f(s ? sp : nullptr, ss, d ? dp : nullptr, ds, r, reinterpret_cast<M34>(t));
+            },
+            refPixel<T>};
+}
+template <class T>
+Op opPI(const char* name, KroStatus (*f)(T* const[3], int, kroiSize, const Kro32f[3][4])) {
+    return {name, int(sizeof(T)), Lay::P3, true, std::is_same_v<T, Kro32f>,
+            [f](void* const* s, int ss, void* const*, int, kroiSize r, const float* t) {
+                T* sp[3] = {s ? static_cast<T*>(s[0]) : nullptr, s ? static_cast<T*>(s[1]) : nullptr,
+                            s ? static_cast<T*>(s[2]) : nullptr};
+                return f(s ? sp : nullptr, ss, r, reinterpret_cast<M34>(t));
+            },
+            refPixel<T>};
+}
+
+#define TW_SET(NAME, T)                                                                             \
+    opC<T>(#NAME "_C3R", Lay::C3, NAME##_C3R), opC<T>(#NAME "_AC4R", Lay::AC4, NAME##_AC4R),        \
+        opCI<T>(#NAME "_C3IR", Lay::C3, NAME##_C3IR), opCI<T>(#NAME "_AC4IR", Lay::AC4, NAME##_AC4IR), \
+        opP<T>(#NAME "_P3R", NAME##_P3R), opPI<T>(#NAME "_IP3R", NAME##_IP3R)
+
+const std::vector<Op>& ops() {
+    static const std::vector<Op> v = {TW_SET(kroiColorTwist32f_8u, Kro8u), TW_SET(kroiColorTwist32f_16u, Kro16u),
+                                      TW_SET(kroiColorTwist32f_16s, Kro16s), TW_SET(kroiColorTwist_32f, Kro32f)};
+    return v;
+}
+
+// Random float samples: mostly ordinary values, a few specials, never two
+// specials in one pixel (so no result meets two NaNs).
+void fillFloats(uint8_t* p, size_t bytes, int pixelFloats) {
+    auto& r = rng();
+    std::uniform_real_distribution<float> u(-2.0f, 2.0f);
+    const float specials[] = {std::numeric_limits<float>::infinity(), -std::numeric_limits<float>::infinity(),
+                              std::numeric_limits<float>::quiet_NaN(), -0.0f, 1e-40f, 3e38f};
+    const size_t n = bytes / 4;
+    for (size_t i = 0; i < n; ++i) {
+        float f = u(r);
+        if (i % size_t(pixelFloats) == 0 && r() % 16 == 0) f = specials[r() % 6];
+        std::memcpy(p + 4 * i, &f, 4);
+    }
+}
+
+void randomMatrix(float (&m)[3][4], const Op& op) {
+    auto& r = rng();
+    std::uniform_real_distribution<float> w(-1.5f, 1.5f);
+    const float range = op.isFloat ? 1.0f : op.S == 1 ? 300.0f : 70000.0f;
+    std::uniform_real_distribution<float> c(-range, range);
+    for (auto& row : m) {
+        for (int j = 0; j < 3; ++j) row[j] = w(r);
+        row[3] = c(r);
+        if (r() % 4 == 0) row[3] = std::round(row[3]) + 0.5f;  // ties, when the weights allow
+    }
+}
+
+// One run of an operation on a fresh image: returns "" or the first difference.
+std::string runCase(const Op& op, int width, int height, int off, int pad, Guard g, const float (&m)[3][4]) {
+    const int planes = op.lay == Lay::P3 ? 3 : 1;
+    const int ch = op.lay == Lay::P3 ? 1 : op.lay == Lay::C3 ? 3 : 4;
+    const int rowBytes = width * ch * op.S + off;
+    std::vector<Plane> src, dst;
+    for (int p = 0; p < planes; ++p) {
+        src.emplace_back(rowBytes, height, pad, g);
+        if (op.isFloat) {
+            fillFloats(src.back().buf.data(), src.back().buf.size() & ~size_t(3), op.lay == Lay::P3 ? 1 : ch);
+        }
+        if (!op.inPlace) dst.emplace_back(rowBytes, height, (pad * 3 + 1) % 19, g == Guard::After ? Guard::Before : Guard::After);
+    }
+    std::vector<Plane>& out = op.inPlace ? src : dst;
+    std::vector<std::vector<uint8_t>> sSnap, expect;
+    for (auto& p : src) sSnap.push_back(p.snapshot());
+    for (auto& p : out) expect.push_back(p.snapshot());
+    for (int y = 0; y < height; ++y)
+        for (int x = 0; x < width; ++x) {
+            const uint8_t* s[3];
+            uint8_t* d[3];
+            for (int c = 0; c < 3; ++c) {
+                const int p = planes == 3 ? c : 0;
+                const int at = off + (planes == 3 ? x * op.S : (x * ch + c) * op.S);
+                s[c] = src[size_t(p)].rowIn(sSnap[size_t(p)], y) + at;
+                d[c] = out[size_t(p)].rowIn(expect[size_t(p)], y) + at;
+            }
+            op.ref(m, s, d);
+        }
+    void* sp[3];
+    void* dp[3];
+    for (int p = 0; p < planes; ++p) {
+        sp[p] = src[size_t(p)].origin() + off;
+        dp[p] = out[size_t(p)].origin() + off;
+    }
+    const KroStatus st = op.call(sp, src[0].step, dp, out[0].step, {width, height}, &m[0][0]);
+    if (st != kroStatusOk) return "status " + std::to_string(st);
+    for (int p = 0; p < planes; ++p) {
+        const std::string e = diffPlane(out[size_t(p)], expect[size_t(p)], ch * op.S);
+        if (!e.empty()) return "plane " + std::to_string(p) + ": " + e;
+    }
+    return {};
+}
+
+class TwistOp : public ::testing::TestWithParam<int> {
+protected:
+    const Op& op() const { return ops()[size_t(GetParam())]; }
+};
+
+TEST_P(TwistOp, EveryWidthAgainstReference) {
+    float m[3][4];
+    for (int w : sweepWidths(4)) {
+        randomMatrix(m, op());
+        const int h = 1 + w % 3;
+        ASSERT_EQ(runCase(op(), w, h, 0, 0, Guard::After, m), "") << op().name << " width " << w;
+        ASSERT_EQ(runCase(op(), w, h, 0, 5, Guard::Before, m), "") << op().name << " width " << w;
+    }
+}
+
+TEST_P(TwistOp, StartOffsetsAndPaddedSteps) {
+    float m[3][4];
+    for (int off = 0; off < 16; ++off)
+        for (int pad : {0, 1, 3, 16}) {
+            randomMatrix(m, op());
+            ASSERT_EQ(runCase(op(), 13 + off % 5, 3, off, pad, Guard::After, m), "")
+                << op().name << " offset " << off << " pad " << pad;
+        }
+}
+
+// Status table: null (every address, plane elements, matrix) before size
+// before step; a failing call writes nothing.
+TEST_P(TwistOp, CheckOrder) {
+    const Op& o = op();
+    std::vector<uint8_t> a(4096, 0x5a), b(4096, 0xa5);
+    const auto a0 = a, b0 = b;
+    float m[3][4] = {};
+    void* s3[3] = {a.data(), a.data() + 1024, a.data() + 2048};
+    void* d3[3] = {b.data(), b.data() + 1024, b.data() + 2048};
+    const kroiSize ok{2, 2}, zero{0, 2}, zeroH{2, 0};
+    auto call = [&](void* const* s, int ss, void* const* d, int ds, kroiSize r, const float* t) {
+        return o.call(s, ss, d, ds, r, t);
+    };
+    // null matrix even with a bad size and a bad step
+    EXPECT_EQ(call(s3, 0, d3, 0, zero, nullptr), kroStatusNullPointer) << o.name;
+    void* nul[3] = {nullptr, nullptr, nullptr};
+    EXPECT_EQ(call(nul, 0, d3, 0, zero, &m[0][0]), kroStatusNullPointer) << o.name;
+    if (!o.inPlace) EXPECT_EQ(call(s3, 0, nul, 0, zero, &m[0][0]), kroStatusNullPointer) << o.name;
+    if (o.lay == Lay::P3) {
+        EXPECT_EQ(call(nullptr, 0, d3, 0, zero, &m[0][0]), kroStatusNullPointer) << o.name;
+        if (!o.inPlace) EXPECT_EQ(call(s3, 0, nullptr, 0, zero, &m[0][0]), kroStatusNullPointer) << o.name;
+        for (int k = 0; k < 3; ++k) {
+            void* s[3] = {s3[0], s3[1], s3[2]};
+            void* d[3] = {d3[0], d3[1], d3[2]};
+            s[k] = nullptr;
+            EXPECT_EQ(call(s, 0, d3, 0, zero, &m[0][0]), kroStatusNullPointer) << o.name << " plane " << k;
+            if (!o.inPlace) {
+                d[k] = nullptr;
+                EXPECT_EQ(call(s3, 0, d, 0, zero, &m[0][0]), kroStatusNullPointer) << o.name << " plane " << k;
+            }
+        }
+    }
+    EXPECT_EQ(call(s3, 0, d3, 0, zero, &m[0][0]), kroStatusBadSize) << o.name;
+    EXPECT_EQ(call(s3, -4, d3, -4, zeroH, &m[0][0]), kroStatusBadSize) << o.name;
+    EXPECT_EQ(call(s3, 64, d3, 64, {-1, -1}, &m[0][0]), kroStatusBadSize) << o.name;
+    EXPECT_EQ(call(s3, 0, d3, 64, ok, &m[0][0]), kroStatusBadStep) << o.name;
+    EXPECT_EQ(call(s3, -64, d3, 64, ok, &m[0][0]), kroStatusBadStep) << o.name;
+    if (!o.inPlace) EXPECT_EQ(call(s3, 64, d3, 0, ok, &m[0][0]), kroStatusBadStep) << o.name;
+    EXPECT_EQ(a, a0);
+    EXPECT_EQ(b, b0);
+    // a step of 1 byte is accepted (rows overlap: the caller's affair)
+    EXPECT_EQ(call(s3, 1, d3, 1, {1, 1}, &m[0][0]), kroStatusOk) << o.name;
+}
+
+// In place against out of place on the same data.
+TEST_P(TwistOp, InPlaceMatchesOutOfPlace) {
+    const Op& o = op();
+    if (!o.inPlace) return;
+    const Op* twin = nullptr;
+    std::string twinName = o.name;  // C3IR -> C3R, AC4IR -> AC4R, IP3R -> P3R
+    const size_t at = twinName.rfind('_');
+    twinName.erase(twinName.find('I', at), 1);
+    for (auto& c : ops())
+        if (twinName == c.name) twin = &c;
+    ASSERT_NE(twin, nullptr);
+    const int planes = o.lay == Lay::P3 ? 3 : 1, ch = o.lay == Lay::P3 ? 1 : o.lay == Lay::C3 ? 3 : 4;
+    float m[3][4];
+    randomMatrix(m, o);
+    for (int w : {1, 7, 33}) {
+        const int h = 3, step = w * ch * o.S + 8;
+        std::vector<std::vector<uint8_t>> in(3), out(3), inplace(3);
+        void *sp[3], *dp[3], *ip[3];
+        for (int p = 0; p < planes; ++p) {
+            in[p].resize(size_t(step * h));
+            if (o.isFloat) fillFloats(in[p].data(), in[p].size(), ch);
+            else fillRandom(in[p].data(), in[p].size());
+            out[p] = in[p];
+            inplace[p] = in[p];
+            sp[p] = in[p].data(), dp[p] = out[p].data(), ip[p] = inplace[p].data();
+        }
+        ASSERT_EQ(twin->call(sp, step, dp, step, {w, h}, &m[0][0]), kroStatusOk);
+        ASSERT_EQ(o.call(ip, step, ip, step, {w, h}, &m[0][0]), kroStatusOk);
+        for (int p = 0; p < planes; ++p) EXPECT_EQ(out[p], inplace[p]) << o.name << " width " << w;
+    }
+}
+
+// Under each of the four rounding modes (with flush-to-zero set, which must
+// stay): integer forms give the round-to-nearest results and hand the mode
+// back; 32f forms round by the caller's mode.
+TEST_P(TwistOp, CallersRoundingMode) {
+    const Op& o = op();
+    const unsigned saved = _mm_getcsr();
+    for (unsigned mode : {0x0000u, 0x2000u, 0x4000u, 0x6000u}) {
+        float m[3][4];
+        randomMatrix(m, o);
+        std::string integerResult;
+        if (!o.isFloat) integerResult = runCase(o, 19, 2, 1, 3, Guard::After, m);  // reference under nearest
+        const unsigned csr = (saved & ~0x6000u) | mode | 0x8000u;
+        _mm_setcsr(csr);
+        std::string r;
+        if (o.isFloat) {
+            r = runCase(o, 19, 2, 1, 3, Guard::After, m);  // reference under the same mode
+        } else {
+            // the kernels under a foreign mode against the nearest-mode reference
+            const int planes = o.lay == Lay::P3 ? 3 : 1, ch = o.lay == Lay::P3 ? 1 : o.lay == Lay::C3 ? 3 : 4;
+            const int w = 23, h = 2, step = w * ch * o.S;
+            std::vector<std::vector<uint8_t>> in(3), got(3), want(3);
+            void *sp[3], *dp[3];
+            for (int p = 0; p < planes; ++p) {
+                in[p].resize(size_t(step * h));
+                fillRandom(in[p].data(), in[p].size());
+                got[p] = in[p], want[p] = in[p];
+                sp[p] = in[p].data();
+                dp[p] = got[p].data();
+            }
+            if (o.inPlace)
+                for (int p = 0; p < planes; ++p) sp[p] = dp[p];
+            const unsigned inside = _mm_getcsr();
+            _mm_setcsr(saved);
+            for (int y = 0; y < h; ++y)
+                for (int x = 0; x < w; ++x) {
+                    const uint8_t* s[3];
+                    uint8_t* d[3];
+                    for (int c = 0; c < 3; ++c) {
+                        const int p = planes == 3 ? c : 0, at = y * step + (planes == 3 ? x : x * ch + c) * o.S;
+                        s[c] = in[p].data() + at;
+                        d[c] = want[p].data() + at;
+                    }
+                    o.ref(m, s, d);
+                }
+            _mm_setcsr(inside);
+            const KroStatus st = o.call(sp, step, dp, step, {w, h}, &m[0][0]);
+            EXPECT_EQ(_mm_getcsr() & ~0x3fu, csr & ~0x3fu) << o.name << " mode " << mode;  // control bits; flags are sticky
+            _mm_setcsr(saved);
+            EXPECT_EQ(st, kroStatusOk);
+            for (int p = 0; p < planes; ++p) EXPECT_EQ(got[p], want[p]) << o.name << " mode " << mode;
+            _mm_setcsr(csr);
+        }
+        EXPECT_EQ(_mm_getcsr() & ~0x3fu, csr & ~0x3fu) << o.name << " mode " << mode;  // control bits; flags are sticky
+        _mm_setcsr(saved);
+        EXPECT_EQ(r, "") << o.name << " mode " << mode;
+        EXPECT_EQ(integerResult, "") << o.name;
+    }
+}
+
+std::string opName(const ::testing::TestParamInfo<int>& i) { return ops()[size_t(i.param)].name; }
+INSTANTIATE_TEST_SUITE_P(All, TwistOp, ::testing::Range(0, 24), opName);
+
+// ------------------------------------------------------------ stated examples
+const float kIdentity[3][4] = {{1, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, 1, 0}};
+
+TEST(TwistExamples, IdentityKeepsIntegerSamples) {
+    std::vector<Kro8u> a8(256 * 3), d8(256 * 3);
+    for (int i = 0; i < 768; ++i) a8[size_t(i)] = Kro8u(i / 3 + i % 3);
+    ASSERT_EQ(kroiColorTwist32f_8u_C3R(a8.data(), 768, d8.data(), 768, {256, 1}, kIdentity), kroStatusOk);
+    EXPECT_EQ(a8, d8);
+    std::vector<Kro16u> a16(65536 * 3), d16(a16.size());
+    for (size_t i = 0; i < a16.size(); ++i) a16[i] = Kro16u(i / 3 + i % 3 * 7);
+    ASSERT_EQ(kroiColorTwist32f_16u_C3R(a16.data(), 65536 * 6, d16.data(), 65536 * 6, {65536, 1}, kIdentity),
+              kroStatusOk);
+    EXPECT_EQ(a16, d16);
+    std::vector<Kro16s> s16(65536 * 3), e16(s16.size());
+    for (size_t i = 0; i < s16.size(); ++i) s16[i] = Kro16s(int(i / 3) - 32768);
+    ASSERT_EQ(kroiColorTwist32f_16s_C3R(s16.data(), 65536 * 6, e16.data(), 65536 * 6, {65536, 1}, kIdentity),
+              kroStatusOk);
+    EXPECT_EQ(s16, e16);
+}
+
+TEST(TwistExamples, TiesGoToEven) {
+    const float m[3][4] = {{1, 0, 0, 0.5f}, {0, 1, 0, 0.5f}, {0, 0, 1, 1.5f}};
+    for (int w : {1, 4, 5}) {
+        std::vector<Kro8u> s(size_t(3 * w), 10), d(size_t(3 * w), 0);
+        ASSERT_EQ(kroiColorTwist32f_8u_C3R(s.data(), 3 * w, d.data(), 3 * w, {w, 1}, m), kroStatusOk);
+        for (int x = 0; x < w; ++x) {
+            EXPECT_EQ(d[size_t(3 * x)], 10);
+            EXPECT_EQ(d[size_t(3 * x + 1)], 10);
+            EXPECT_EQ(d[size_t(3 * x + 2)], 12);
+        }
+    }
+}
+
+TEST(TwistExamples, Saturation) {
+    float m[3][4] = {{1, 0, 0, 300}, {0, 1, 0, 300}, {0, 0, 1, 300}};
+    std::vector<Kro8u> s(15, 200), d(15, 1);
+    ASSERT_EQ(kroiColorTwist32f_8u_C3R(s.data(), 15, d.data(), 15, {5, 1}, m), kroStatusOk);
+    for (auto v : d) EXPECT_EQ(v, 255);
+    for (auto& r : m) r[3] = -300;
+    ASSERT_EQ(kroiColorTwist32f_8u_C3R(s.data(), 15, d.data(), 15, {5, 1}, m), kroStatusOk);
+    for (auto v : d) EXPECT_EQ(v, 0);
+
+    for (auto& r : m) r[3] = 1;
+    std::vector<Kro16s> hi(15, 32767), out(15, 0);
+    ASSERT_EQ(kroiColorTwist32f_16s_C3R(hi.data(), 30, out.data(), 30, {5, 1}, m), kroStatusOk);
+    for (auto v : out) EXPECT_EQ(v, 32767);
+    for (auto& r : m) r[3] = -1;
+    std::vector<Kro16s> lo(15, -32768);
+    ASSERT_EQ(kroiColorTwist32f_16s_C3R(lo.data(), 30, out.data(), 30, {5, 1}, m), kroStatusOk);
+    for (auto v : out) EXPECT_EQ(v, -32768);
+
+    for (auto& r : m) r[3] = 70000 - 1000;
+    std::vector<Kro16u> u(15, 1000), uo(15, 0);
+    ASSERT_EQ(kroiColorTwist32f_16u_C3R(u.data(), 30, uo.data(), 30, {5, 1}, m), kroStatusOk);
+    for (auto v : uo) EXPECT_EQ(v, 65535);
+
+    // NaN takes the upper bound, infinities clamp
+    const float inf = std::numeric_limits<float>::infinity(), nan = std::numeric_limits<float>::quiet_NaN();
+    const float sp[3][4] = {{nan, 0, 0, 0}, {0, 0, 0, inf}, {0, 0, 0, -inf}};
+    ASSERT_EQ(kroiColorTwist32f_8u_C3R(s.data(), 15, d.data(), 15, {5, 1}, sp), kroStatusOk);
+    for (int x = 0; x < 5; ++x) {
+        EXPECT_EQ(d[size_t(3 * x)], 255);
+        EXPECT_EQ(d[size_t(3 * x + 1)], 255);
+        EXPECT_EQ(d[size_t(3 * x + 2)], 0);
+    }
+    std::vector<Kro16s> so(15, 0);
+    ASSERT_EQ(kroiColorTwist32f_16s_C3R(lo.data(), 30, so.data(), 30, {5, 1}, sp), kroStatusOk);
+    for (int x = 0; x < 5; ++x) {
+        EXPECT_EQ(so[size_t(3 * x)], 32767);
+        EXPECT_EQ(so[size_t(3 * x + 1)], 32767);
+        EXPECT_EQ(so[size_t(3 * x + 2)], -32768);
+    }
+}
+
+TEST(TwistExamples, FloatResultsUnclamped) {
+    const float m[3][4] = {{2, 0, 0, 0}, {0, 1, 0, -3}, {0, 0, 1, 0.25f}};
+    std::vector<Kro32f> s(15, 0.75f), d(15, 0);
+    ASSERT_EQ(kroiColorTwist_32f_C3R(s.data(), 60, d.data(), 60, {5, 1}, m), kroStatusOk);
+    for (int x = 0; x < 5; ++x) {
+        EXPECT_EQ(d[size_t(3 * x)], 1.5f);
+        EXPECT_EQ(d[size_t(3 * x + 1)], -2.25f);
+        EXPECT_EQ(d[size_t(3 * x + 2)], 1.0f);
+    }
+}
+
+TEST(TwistExamples, IntegerFormsIgnoreTruncationMode) {
+    const float m[3][4] = {{0.7f, 0.2f, 0.1f, 0.3f}, {0.1f, 0.8f, 0.1f, 0.6f}, {0.3f, 0.3f, 0.3f, 0.49f}};
+    std::vector<Kro8u> s(3 * 37), a(s.size()), b(s.size());
+    fillRandom(s.data(), s.size());
+    const unsigned saved = _mm_getcsr();
+    ASSERT_EQ(kroiColorTwist32f_8u_C3R(s.data(), 111, a.data(), 111, {37, 1}, m), kroStatusOk);
+    _mm_setcsr((saved & ~0x6000u) | 0x6000u);
+    const KroStatus st = kroiColorTwist32f_8u_C3R(s.data(), 111, b.data(), 111, {37, 1}, m);
+    const unsigned after = _mm_getcsr();
+    _mm_setcsr(saved);
+    EXPECT_EQ(st, kroStatusOk);
+    EXPECT_EQ(after & ~0x3fu, ((saved & ~0x6000u) | 0x6000u) & ~0x3fu);
+    EXPECT_EQ(a, b);
+    // the 32f form rounds its float operations by the caller's mode
+    const float tm[3][4] = {{0.1f, 0, 0, 0.2f}, {0, 0.1f, 0, 0.2f}, {0, 0, 0.1f, 0.2f}};
+    std::vector<Kro32f> fs(3, 1.0f), fn(3), ft(3);
+    ASSERT_EQ(kroiColorTwist_32f_C3R(fs.data(), 12, fn.data(), 12, {1, 1}, tm), kroStatusOk);
+    volatile float a1 = 0.1f, b1 = 0.2f;
+    const float nearest = b1 + a1;
+    _mm_setcsr((saved & ~0x6000u) | 0x6000u);  // toward zero
+    ASSERT_EQ(kroiColorTwist_32f_C3R(fs.data(), 12, ft.data(), 12, {1, 1}, tm), kroStatusOk);
+    const float truncated = b1 + a1;
+    _mm_setcsr(saved);
+    ASSERT_NE(nearest, truncated);
+    EXPECT_EQ(fn[0], nearest);
+    EXPECT_EQ(ft[0], truncated);
+}
+
+TEST(TwistExamples, FourthChannel) {
+    const float m[3][4] = {{0, 1, 0, 1}, {1, 0, 0, 2}, {0, 0, 1, 3}};
+    std::vector<Kro8u> s(4 * 9), d(4 * 9, 77);
+    for (size_t i = 0; i < s.size(); ++i) s[i] = Kro8u(i);
+    ASSERT_EQ(kroiColorTwist32f_8u_AC4R(s.data(), 36, d.data(), 36, {9, 1}, m), kroStatusOk);
+    for (int x = 0; x < 9; ++x) EXPECT_EQ(d[size_t(4 * x + 3)], 77);
+    auto ip = s;
+    ASSERT_EQ(kroiColorTwist32f_8u_AC4IR(ip.data(), 36, {9, 1}, m), kroStatusOk);
+    for (int x = 0; x < 9; ++x) {
+        EXPECT_EQ(ip[size_t(4 * x + 3)], s[size_t(4 * x + 3)]);
+        EXPECT_EQ(ip[size_t(4 * x)], d[size_t(4 * x)]);
+    }
+}
+
+// The 32f C3 form: same samples for images just below and above 34993
+// samples, packed rows (one long row) and padded rows.
+TEST(TwistExamples, FloatC3SizesAndFolding) {
+    float m[3][4] = {{0.3f, 0.59f, 0.11f, 0.01f}, {-0.2f, 1.1f, 0.05f, 0}, {0.7f, 0.7f, -0.4f, -0.5f}};
+    for (int w : {3887, 3888, 3889}) {  // x 3 x 3 rows: 34983, 34992, 35001 samples
+        const int h = 3;
+        std::vector<Kro32f> s(size_t(3 * w * h)), d(s.size()), want(s.size());
+        fillFloats(reinterpret_cast<uint8_t*>(s.data()), s.size() * 4, 3);
+        for (size_t p = 0; p < s.size() / 3; ++p) {
+            const Kro32f in[3] = {s[3 * p], s[3 * p + 1], s[3 * p + 2]};
+            Kro32f o[3];
+            ref::twistPixel<Kro32f>(m, in, o);
+            std::memcpy(&want[3 * p], o, sizeof o);
+        }
+        ASSERT_EQ(kroiColorTwist_32f_C3R(s.data(), 12 * w, d.data(), 12 * w, {w, h}, m), kroStatusOk);
+        EXPECT_EQ(std::memcmp(d.data(), want.data(), d.size() * 4), 0) << w;
+        // padded destination rows
+        std::vector<Kro32f> pd(size_t((3 * w + 4) * h), 9.0f);
+        ASSERT_EQ(kroiColorTwist_32f_C3R(s.data(), 12 * w, pd.data(), 12 * w + 16, {w, h}, m), kroStatusOk);
+        for (int y = 0; y < h; ++y) {
+            EXPECT_EQ(std::memcmp(&pd[size_t((3 * w + 4) * y)], &want[size_t(3 * w * y)], size_t(12 * w)), 0);
+            EXPECT_EQ(pd[size_t((3 * w + 4) * y + 3 * w)], 9.0f);
+        }
+    }
+}
+
+// ------------------------------------------------------------ 4 x 4
+TEST(TwistC4, AgainstReferenceEveryWidth) {
+    for (int w : sweepWidths(2)) {
+        for (int off : {0, 4, 8}) {
+            const int h = 1 + w % 3, pad = w % 2 ? 12 : 0;
+            Plane s(16 * w + off, h, pad, Guard::After), d(16 * w + off, h, pad + 4, Guard::Before);
+            fillFloats(s.buf.data(), s.buf.size() & ~size_t(3), 1);
+            float m[4][4];
+            std::uniform_real_distribution<float> u(-1.5f, 1.5f);
+            for (auto& r : m)
+                for (auto& v : r) v = u(rng());
+            auto expect = d.snapshot();
+            for (int y = 0; y < h; ++y)
+                for (int x = 0; x < w; ++x) {
+                    float in[4], o[4];
+                    std::memcpy(in, s.row(y) + off + 16 * x, 16);
+                    for (int i = 0; i < 4; ++i) o[i] = ref::twistSum4(m[i], in);
+                    std::memcpy(d.rowIn(expect, y) + off + 16 * x, o, 16);
+                }
+            ASSERT_EQ(kroiColorTwist_32f_C4R(reinterpret_cast<const Kro32f*>(s.origin() + off), s.step,
+                                             reinterpret_cast<Kro32f*>(d.origin() + off), d.step, {w, h}, m),
+                      kroStatusOk);
+            ASSERT_EQ(diffPlane(d, expect, 16), "") << "width " << w << " offset " << off;
+        }
+    }
+    // packed rows (one long row) give the same as padded ones
+    std::vector<Kro32f> s(4 * 5 * 3), a(s.size()), b(4 * 6 * 3);
+    fillFloats(reinterpret_cast<uint8_t*>(s.data()), s.size() * 4, 4);
+    float m[4][4] = {{1, 2, 3, 4}, {0.5f, 0.25f, 0, 1}, {-1, 0, 1, 0}, {0, 0, 0, 1}};
+    ASSERT_EQ(kroiColorTwist_32f_C4R(s.data(), 80, a.data(), 80, {5, 3}, m), kroStatusOk);
+    ASSERT_EQ(kroiColorTwist_32f_C4R(s.data(), 80, b.data(), 96, {5, 3}, m), kroStatusOk);
+    for (int y = 0; y < 3; ++y) EXPECT_EQ(std::memcmp(&a[size_t(20 * y)], &b[size_t(24 * y)], 80), 0);
+}
+
+TEST(TwistC4, CheckOrder) {
+    std::vector<Kro32f> a(64, 1.0f), b(64, 2.0f);
+    const auto b0 = b;
+    const float m[4][4] = {};
+    EXPECT_EQ(kroiColorTwist_32f_C4R(a.data(), 0, b.data(), 0, {0, 0}, nullptr), kroStatusNullPointer);
+    EXPECT_EQ(kroiColorTwist_32f_C4R(nullptr, 0, b.data(), 0, {0, 0}, m), kroStatusNullPointer);
+    EXPECT_EQ(kroiColorTwist_32f_C4R(a.data(), 0, nullptr, 0, {0, 0}, m), kroStatusNullPointer);
+    EXPECT_EQ(kroiColorTwist_32f_C4R(a.data(), 0, b.data(), 0, {0, 1}, m), kroStatusBadSize);
+    EXPECT_EQ(kroiColorTwist_32f_C4R(a.data(), 0, b.data(), 0, {1, 0}, m), kroStatusBadSize);
+    EXPECT_EQ(kroiColorTwist_32f_C4R(a.data(), 0, b.data(), 64, {1, 1}, m), kroStatusBadStep);
+    EXPECT_EQ(kroiColorTwist_32f_C4R(a.data(), 64, b.data(), -1, {1, 1}, m), kroStatusBadStep);
+    EXPECT_EQ(b, b0);
+}
+
+}  // namespace
