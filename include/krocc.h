@@ -477,6 +477,78 @@ KroStatus kroiYUV422ToRGB_8u_P3(const Kro8u* const pSrc[3], Kro8u* const pDst[3]
 /* ------------------------------------------------------------ tone mapping */
 
 /* ------------------------------------------------------------ bit-depth reduction and dithering */
+/* Reduction of samples to `levels` equally spaced output levels, plainly
+ * (kroiDitherNone), by error diffusion (Floyd-Steinberg, Jarvis-Judice-Ninke,
+ * Stucki) or by the 4x4 Bayer matrix, with `noise` (0..100 percent) moving the
+ * decision thresholds. pBuffer is the caller's work block of the size that
+ * kroiReduceBitsGetBufferSize gives (any alignment; it may be null where that
+ * size is 0). channelCode: 1 C1, 3 C3, 4 C4, 9 AC4. */
+KroStatus kroiReduceBitsGetBufferSize(int channelCode, kroiSize roiSize, int noise, KroDitherType ditherType,
+                                      int* pBufferSize);
+KroStatus kroiReduceBits_8u_C1R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize, int noise,
+    KroDitherType ditherType, int levels, Kro8u* pBuffer);
+KroStatus kroiReduceBits_8u_C3R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize, int noise,
+    KroDitherType ditherType, int levels, Kro8u* pBuffer);
+KroStatus kroiReduceBits_8u_C4R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize, int noise,
+    KroDitherType ditherType, int levels, Kro8u* pBuffer);
+KroStatus kroiReduceBits_8u_AC4R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize, int noise,
+    KroDitherType ditherType, int levels, Kro8u* pBuffer);
+KroStatus kroiReduceBits_16u8u_C1R(const Kro16u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize, int noise,
+    KroDitherType ditherType, int levels, Kro8u* pBuffer);
+KroStatus kroiReduceBits_16u8u_C3R(const Kro16u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize, int noise,
+    KroDitherType ditherType, int levels, Kro8u* pBuffer);
+KroStatus kroiReduceBits_16u8u_C4R(const Kro16u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize, int noise,
+    KroDitherType ditherType, int levels, Kro8u* pBuffer);
+KroStatus kroiReduceBits_16u8u_AC4R(const Kro16u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize, int noise,
+    KroDitherType ditherType, int levels, Kro8u* pBuffer);
+KroStatus kroiReduceBits_16s8u_C1R(const Kro16s* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize, int noise,
+    KroDitherType ditherType, int levels, Kro8u* pBuffer);
+KroStatus kroiReduceBits_16s8u_C3R(const Kro16s* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize, int noise,
+    KroDitherType ditherType, int levels, Kro8u* pBuffer);
+KroStatus kroiReduceBits_16s8u_C4R(const Kro16s* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize, int noise,
+    KroDitherType ditherType, int levels, Kro8u* pBuffer);
+KroStatus kroiReduceBits_16s8u_AC4R(const Kro16s* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize, int noise,
+    KroDitherType ditherType, int levels, Kro8u* pBuffer);
+KroStatus kroiReduceBits_32f8u_C1R(const Kro32f* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize, int noise,
+    KroDitherType ditherType, int levels, Kro8u* pBuffer);
+KroStatus kroiReduceBits_32f8u_C3R(const Kro32f* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize, int noise,
+    KroDitherType ditherType, int levels, Kro8u* pBuffer);
+KroStatus kroiReduceBits_32f8u_C4R(const Kro32f* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize, int noise,
+    KroDitherType ditherType, int levels, Kro8u* pBuffer);
+KroStatus kroiReduceBits_32f8u_AC4R(const Kro32f* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize, int noise,
+    KroDitherType ditherType, int levels, Kro8u* pBuffer);
+KroStatus kroiReduceBits_16u_C1R(const Kro16u* pSrc, int srcStep, Kro16u* pDst, int dstStep, kroiSize roiSize, int noise,
+    KroDitherType ditherType, int levels, Kro8u* pBuffer);
+KroStatus kroiReduceBits_16u_C3R(const Kro16u* pSrc, int srcStep, Kro16u* pDst, int dstStep, kroiSize roiSize, int noise,
+    KroDitherType ditherType, int levels, Kro8u* pBuffer);
+KroStatus kroiReduceBits_16u_C4R(const Kro16u* pSrc, int srcStep, Kro16u* pDst, int dstStep, kroiSize roiSize, int noise,
+    KroDitherType ditherType, int levels, Kro8u* pBuffer);
+KroStatus kroiReduceBits_16u_AC4R(const Kro16u* pSrc, int srcStep, Kro16u* pDst, int dstStep, kroiSize roiSize, int noise,
+    KroDitherType ditherType, int levels, Kro8u* pBuffer);
+KroStatus kroiReduceBits_16s_C1R(const Kro16s* pSrc, int srcStep, Kro16s* pDst, int dstStep, kroiSize roiSize, int noise,
+    KroDitherType ditherType, int levels, Kro8u* pBuffer);
+KroStatus kroiReduceBits_16s_C3R(const Kro16s* pSrc, int srcStep, Kro16s* pDst, int dstStep, kroiSize roiSize, int noise,
+    KroDitherType ditherType, int levels, Kro8u* pBuffer);
+KroStatus kroiReduceBits_16s_C4R(const Kro16s* pSrc, int srcStep, Kro16s* pDst, int dstStep, kroiSize roiSize, int noise,
+    KroDitherType ditherType, int levels, Kro8u* pBuffer);
+KroStatus kroiReduceBits_16s_AC4R(const Kro16s* pSrc, int srcStep, Kro16s* pDst, int dstStep, kroiSize roiSize, int noise,
+    KroDitherType ditherType, int levels, Kro8u* pBuffer);
+KroStatus kroiReduceBits_32f16u_C1R(const Kro32f* pSrc, int srcStep, Kro16u* pDst, int dstStep, kroiSize roiSize, int noise,
+    KroDitherType ditherType, int levels, Kro8u* pBuffer);
+KroStatus kroiReduceBits_32f16u_C3R(const Kro32f* pSrc, int srcStep, Kro16u* pDst, int dstStep, kroiSize roiSize, int noise,
+    KroDitherType ditherType, int levels, Kro8u* pBuffer);
+KroStatus kroiReduceBits_32f16u_C4R(const Kro32f* pSrc, int srcStep, Kro16u* pDst, int dstStep, kroiSize roiSize, int noise,
+    KroDitherType ditherType, int levels, Kro8u* pBuffer);
+KroStatus kroiReduceBits_32f16u_AC4R(const Kro32f* pSrc, int srcStep, Kro16u* pDst, int dstStep, kroiSize roiSize, int noise,
+    KroDitherType ditherType, int levels, Kro8u* pBuffer);
+KroStatus kroiReduceBits_32f16s_C1R(const Kro32f* pSrc, int srcStep, Kro16s* pDst, int dstStep, kroiSize roiSize, int noise,
+    KroDitherType ditherType, int levels, Kro8u* pBuffer);
+KroStatus kroiReduceBits_32f16s_C3R(const Kro32f* pSrc, int srcStep, Kro16s* pDst, int dstStep, kroiSize roiSize, int noise,
+    KroDitherType ditherType, int levels, Kro8u* pBuffer);
+KroStatus kroiReduceBits_32f16s_C4R(const Kro32f* pSrc, int srcStep, Kro16s* pDst, int dstStep, kroiSize roiSize, int noise,
+    KroDitherType ditherType, int levels, Kro8u* pBuffer);
+KroStatus kroiReduceBits_32f16s_AC4R(const Kro32f* pSrc, int srcStep, Kro16s* pDst, int dstStep, kroiSize roiSize, int noise,
+    KroDitherType ditherType, int levels, Kro8u* pBuffer);
 
 /* ------------------------------------------------------------ 12-bit packing */
 
