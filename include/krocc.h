@@ -549,6 +549,13 @@ KroStatus kroiReduceBits_32f16s_C4R(const Kro32f* pSrc, int srcStep, Kro16s* pDs
     KroDitherType ditherType, int levels, Kro8u* pBuffer);
 KroStatus kroiReduceBits_32f16s_AC4R(const Kro32f* pSrc, int srcStep, Kro16s* pDst, int dstStep, kroiSize roiSize, int noise,
     KroDitherType ditherType, int levels, Kro8u* pBuffer);
+/* An 8-bit grey image to one bit a pixel, most significant bit first, from bit
+ * (dstBitOffset & 7) of each row's first byte: sample > threshold
+ * (kroiDitherNone) or Stucki error diffusion (kroiDitherStucki, work block of
+ * kroiReduceBitsGetBufferSize(1, roiSize, 0, kroiDitherStucki)). reserved1 and
+ * reserved2 are not read. Bits outside the region keep their values. */
+KroStatus kroiReduceBits_8u1u_C1R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, int dstBitOffset,
+    kroiSize roiSize, int reserved1, int reserved2, KroDitherType ditherType, Kro8u threshold, Kro8u* pBuffer);
 
 /* ------------------------------------------------------------ 12-bit packing */
 

@@ -330,4 +330,45 @@ inline void reduce(const PairDesc& p, const Image& im, int noise, int sel, int l
     else reduceDiffusion(p, im, L, noise, sel);
 }
 
+// ------------------------------------------------------------ one bit a pixel
+// Bits of every row first, packed afterwards; Stucki errors as plain integers.
+inline void onebit(const uint8_t* src, int srcStep, uint8_t* dst, int dstStep, int offset, int width, int height,
+                   int sel, int threshold) {
+    const int len = width + 4;
+    std::vector<int64_t> rowsE(3 * static_cast<size_t>(len), 0);
+    int ia = 0, ib = 1, ic = 2;
+    for (int y = 0; y < height; ++y) {
+        const uint8_t* s = src + static_cast<ptrdiff_t>(y) * srcStep;
+        std::vector<int> bits(width);
+        const int64_t* A = rowsE.data() + ia * len + 2;
+        const int64_t* B = rowsE.data() + ib * len + 2;
+        int64_t* C = rowsE.data() + ic * len + 2;
+        for (int x = 0; x < width; ++x) {
+            if (sel == 0) {
+                bits[x] = s[x] > threshold;
+                continue;
+            }
+            const int64_t W = (A[x - 2] + A[x + 2]) + 8 * (B[x] + C[x - 1]) + 4 * (A[x] + B[x - 1] + B[x + 1] + C[x - 2]) +
+                              2 * (A[x - 1] + A[x + 1] + B[x - 2] + B[x + 2]);
+            const int64_t acc = s[x] * 8192 + 23 * W;
+            int64_t e = acc >= 0 ? acc / 1024 : -((-acc + 1023) / 1024);  // floor
+            bits[x] = acc > threshold * 8192;
+            if (bits[x]) e -= 2047;
+            C[x] = e;
+        }
+        if (sel != 0) {
+            const int t = ia;
+            ia = ib;
+            ib = ic;
+            ic = t;
+        }
+        uint8_t* d = dst + static_cast<ptrdiff_t>(y) * dstStep;
+        for (int x = 0; x < width; ++x) {
+            const int pos = (offset & 7) + x;
+            const int mask = 1 << (7 - pos % 8);
+            d[pos / 8] = static_cast<uint8_t>(bits[x] ? (d[pos / 8] | mask) : (d[pos / 8] & ~mask));
+        }
+    }
+}
+
 }  // namespace ref
