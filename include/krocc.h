@@ -559,6 +559,85 @@ KroStatus kroiToneMapLinear_32f8u_C1R(const Kro32f* pSrc, int srcStep, Kro8u* pD
 KroStatus kroiToneMapMean_32f8u_C1R(const Kro32f* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
 
 /* ------------------------------------------------------------ bit-depth reduction and dithering */
+/* Reduction of samples to `levels` equally spaced output levels, plainly
+ * (kroiDitherNone), by error diffusion (Floyd-Steinberg, Jarvis-Judice-Ninke,
+ * Stucki) or by the 4x4 Bayer matrix, with `noise` (0..100 percent) moving the
+ * decision thresholds. pBuffer is the caller's work block of the size that
+ * kroiReduceBitsGetBufferSize gives (any alignment; it may be null where that
+ * size is 0). channelCode: 1 C1, 3 C3, 4 C4, 9 AC4. */
+KroStatus kroiReduceBitsGetBufferSize(int channelCode, kroiSize roiSize, int noise, KroDitherType ditherType,
+                                      int* pBufferSize);
+KroStatus kroiReduceBits_8u_C1R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize, int noise,
+    KroDitherType ditherType, int levels, Kro8u* pBuffer);
+KroStatus kroiReduceBits_8u_C3R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize, int noise,
+    KroDitherType ditherType, int levels, Kro8u* pBuffer);
+KroStatus kroiReduceBits_8u_C4R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize, int noise,
+    KroDitherType ditherType, int levels, Kro8u* pBuffer);
+KroStatus kroiReduceBits_8u_AC4R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize, int noise,
+    KroDitherType ditherType, int levels, Kro8u* pBuffer);
+KroStatus kroiReduceBits_16u8u_C1R(const Kro16u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize, int noise,
+    KroDitherType ditherType, int levels, Kro8u* pBuffer);
+KroStatus kroiReduceBits_16u8u_C3R(const Kro16u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize, int noise,
+    KroDitherType ditherType, int levels, Kro8u* pBuffer);
+KroStatus kroiReduceBits_16u8u_C4R(const Kro16u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize, int noise,
+    KroDitherType ditherType, int levels, Kro8u* pBuffer);
+KroStatus kroiReduceBits_16u8u_AC4R(const Kro16u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize, int noise,
+    KroDitherType ditherType, int levels, Kro8u* pBuffer);
+KroStatus kroiReduceBits_16s8u_C1R(const Kro16s* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize, int noise,
+    KroDitherType ditherType, int levels, Kro8u* pBuffer);
+KroStatus kroiReduceBits_16s8u_C3R(const Kro16s* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize, int noise,
+    KroDitherType ditherType, int levels, Kro8u* pBuffer);
+KroStatus kroiReduceBits_16s8u_C4R(const Kro16s* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize, int noise,
+    KroDitherType ditherType, int levels, Kro8u* pBuffer);
+KroStatus kroiReduceBits_16s8u_AC4R(const Kro16s* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize, int noise,
+    KroDitherType ditherType, int levels, Kro8u* pBuffer);
+KroStatus kroiReduceBits_32f8u_C1R(const Kro32f* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize, int noise,
+    KroDitherType ditherType, int levels, Kro8u* pBuffer);
+KroStatus kroiReduceBits_32f8u_C3R(const Kro32f* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize, int noise,
+    KroDitherType ditherType, int levels, Kro8u* pBuffer);
+KroStatus kroiReduceBits_32f8u_C4R(const Kro32f* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize, int noise,
+    KroDitherType ditherType, int levels, Kro8u* pBuffer);
+KroStatus kroiReduceBits_32f8u_AC4R(const Kro32f* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize, int noise,
+    KroDitherType ditherType, int levels, Kro8u* pBuffer);
+KroStatus kroiReduceBits_16u_C1R(const Kro16u* pSrc, int srcStep, Kro16u* pDst, int dstStep, kroiSize roiSize, int noise,
+    KroDitherType ditherType, int levels, Kro8u* pBuffer);
+KroStatus kroiReduceBits_16u_C3R(const Kro16u* pSrc, int srcStep, Kro16u* pDst, int dstStep, kroiSize roiSize, int noise,
+    KroDitherType ditherType, int levels, Kro8u* pBuffer);
+KroStatus kroiReduceBits_16u_C4R(const Kro16u* pSrc, int srcStep, Kro16u* pDst, int dstStep, kroiSize roiSize, int noise,
+    KroDitherType ditherType, int levels, Kro8u* pBuffer);
+KroStatus kroiReduceBits_16u_AC4R(const Kro16u* pSrc, int srcStep, Kro16u* pDst, int dstStep, kroiSize roiSize, int noise,
+    KroDitherType ditherType, int levels, Kro8u* pBuffer);
+KroStatus kroiReduceBits_16s_C1R(const Kro16s* pSrc, int srcStep, Kro16s* pDst, int dstStep, kroiSize roiSize, int noise,
+    KroDitherType ditherType, int levels, Kro8u* pBuffer);
+KroStatus kroiReduceBits_16s_C3R(const Kro16s* pSrc, int srcStep, Kro16s* pDst, int dstStep, kroiSize roiSize, int noise,
+    KroDitherType ditherType, int levels, Kro8u* pBuffer);
+KroStatus kroiReduceBits_16s_C4R(const Kro16s* pSrc, int srcStep, Kro16s* pDst, int dstStep, kroiSize roiSize, int noise,
+    KroDitherType ditherType, int levels, Kro8u* pBuffer);
+KroStatus kroiReduceBits_16s_AC4R(const Kro16s* pSrc, int srcStep, Kro16s* pDst, int dstStep, kroiSize roiSize, int noise,
+    KroDitherType ditherType, int levels, Kro8u* pBuffer);
+KroStatus kroiReduceBits_32f16u_C1R(const Kro32f* pSrc, int srcStep, Kro16u* pDst, int dstStep, kroiSize roiSize, int noise,
+    KroDitherType ditherType, int levels, Kro8u* pBuffer);
+KroStatus kroiReduceBits_32f16u_C3R(const Kro32f* pSrc, int srcStep, Kro16u* pDst, int dstStep, kroiSize roiSize, int noise,
+    KroDitherType ditherType, int levels, Kro8u* pBuffer);
+KroStatus kroiReduceBits_32f16u_C4R(const Kro32f* pSrc, int srcStep, Kro16u* pDst, int dstStep, kroiSize roiSize, int noise,
+    KroDitherType ditherType, int levels, Kro8u* pBuffer);
+KroStatus kroiReduceBits_32f16u_AC4R(const Kro32f* pSrc, int srcStep, Kro16u* pDst, int dstStep, kroiSize roiSize, int noise,
+    KroDitherType ditherType, int levels, Kro8u* pBuffer);
+KroStatus kroiReduceBits_32f16s_C1R(const Kro32f* pSrc, int srcStep, Kro16s* pDst, int dstStep, kroiSize roiSize, int noise,
+    KroDitherType ditherType, int levels, Kro8u* pBuffer);
+KroStatus kroiReduceBits_32f16s_C3R(const Kro32f* pSrc, int srcStep, Kro16s* pDst, int dstStep, kroiSize roiSize, int noise,
+    KroDitherType ditherType, int levels, Kro8u* pBuffer);
+KroStatus kroiReduceBits_32f16s_C4R(const Kro32f* pSrc, int srcStep, Kro16s* pDst, int dstStep, kroiSize roiSize, int noise,
+    KroDitherType ditherType, int levels, Kro8u* pBuffer);
+KroStatus kroiReduceBits_32f16s_AC4R(const Kro32f* pSrc, int srcStep, Kro16s* pDst, int dstStep, kroiSize roiSize, int noise,
+    KroDitherType ditherType, int levels, Kro8u* pBuffer);
+/* An 8-bit grey image to one bit a pixel, most significant bit first, from bit
+ * (dstBitOffset & 7) of each row's first byte: sample > threshold
+ * (kroiDitherNone) or Stucki error diffusion (kroiDitherStucki, work block of
+ * kroiReduceBitsGetBufferSize(1, roiSize, 0, kroiDitherStucki)). reserved1 and
+ * reserved2 are not read. Bits outside the region keep their values. */
+KroStatus kroiReduceBits_8u1u_C1R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, int dstBitOffset,
+    kroiSize roiSize, int reserved1, int reserved2, KroDitherType ditherType, Kro8u threshold, Kro8u* pBuffer);
 
 /* ------------------------------------------------------------ 12-bit packing */
 
