@@ -490,6 +490,20 @@ KroStatus kroiLUVToBGR_32f_C3R(const Kro32f* pSrc, int srcStep, Kro32f* pDst, in
 KroStatus kroiLUVToRGB_32f_AC4R(const Kro32f* pSrc, int srcStep, Kro32f* pDst, int dstStep, kroiSize roiSize);
 
 /* ------------------------------------------------------------ Lab on planar float images */
+/* Three planes R, G, B and L, a, b of Kro32f or Kro64f samples, each plane with
+ * its own step in bytes. The 32f forms compute what kroiRGBToLab_32f_C3R and
+ * kroiLabToRGB_32f_C3R compute; the 64f forms compute in double precision
+ * throughout. Checks: pSrc, pDst, the source planes, srcStep, the destination
+ * planes, dstStep (null: kroStatusNullPointer), then the size. The plain forms
+ * test the step arrays first and then do what their _L forms do. */
+KroStatus kroiRGBToLab_32f_P3R(const Kro32f* const pSrc[3], const int srcStep[3], Kro32f* const pDst[3], const int dstStep[3], kroiSize roiSize);
+KroStatus kroiRGBToLab_32f_P3R_L(const Kro32f* const pSrc[3], const int srcStep[3], Kro32f* const pDst[3], const int dstStep[3], kroiSizeL roiSize);
+KroStatus kroiLabToRGB_32f_P3R(const Kro32f* const pSrc[3], const int srcStep[3], Kro32f* const pDst[3], const int dstStep[3], kroiSize roiSize);
+KroStatus kroiLabToRGB_32f_P3R_L(const Kro32f* const pSrc[3], const int srcStep[3], Kro32f* const pDst[3], const int dstStep[3], kroiSizeL roiSize);
+KroStatus kroiRGBToLab_64f_P3R(const Kro64f* const pSrc[3], const int srcStep[3], Kro64f* const pDst[3], const int dstStep[3], kroiSize roiSize);
+KroStatus kroiRGBToLab_64f_P3R_L(const Kro64f* const pSrc[3], const int srcStep[3], Kro64f* const pDst[3], const int dstStep[3], kroiSizeL roiSize);
+KroStatus kroiLabToRGB_64f_P3R(const Kro64f* const pSrc[3], const int srcStep[3], Kro64f* const pDst[3], const int dstStep[3], kroiSize roiSize);
+KroStatus kroiLabToRGB_64f_P3R_L(const Kro64f* const pSrc[3], const int srcStep[3], Kro64f* const pDst[3], const int dstStep[3], kroiSizeL roiSize);
 
 /* ------------------------------------------------------------ repacking between subsampled layouts */
 
