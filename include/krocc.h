@@ -459,8 +459,51 @@ KroStatus kroiYUV422ToRGB_8u_P3(const Kro8u* const pSrc[3], Kro8u* const pDst[3]
 /* ------------------------------------------------------------ HSV */
 
 /* ------------------------------------------------------------ LUV */
+/* CIE L*u*v* of linear RGB (BT.709 primaries, D65 white), in 32-bit floats.
+ * 8u LUV: L x 2.55, (u + 134) x 255/354, (v + 140) x 255/262. 16u: L x 655.35,
+ * (u + 134) x 65535/354, (v + 140) x 65535/262; 16s: the 16u samples minus
+ * 32768. 32f: L 0..100, u, v themselves; RGB nominally 0..1. Steps are in
+ * bytes for 8u and 32f (32f AC4 LUV to RGB: in samples, the byte step shifted
+ * right by 2), and in samples for 16u and 16s (the byte step shifted right
+ * by 1). AC4: the fourth sample is ignored and left as it was. The main path
+ * (blocks of four pixels) and the tail of a row compute differently; results
+ * that go through a reciprocal estimate follow the processor's estimate. */
+KroStatus kroiRGBToLUV_8u_C3R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiBGRToLUV_8u_C3R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiRGBToLUV_8u_AC4R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiRGBToLUV_16u_C3R(const Kro16u* pSrc, int srcStep, Kro16u* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiRGBToLUV_16u_AC4R(const Kro16u* pSrc, int srcStep, Kro16u* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiRGBToLUV_16s_C3R(const Kro16s* pSrc, int srcStep, Kro16s* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiRGBToLUV_16s_AC4R(const Kro16s* pSrc, int srcStep, Kro16s* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiRGBToLUV_32f_C3R(const Kro32f* pSrc, int srcStep, Kro32f* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiBGRToLUV_32f_C3R(const Kro32f* pSrc, int srcStep, Kro32f* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiRGBToLUV_32f_AC4R(const Kro32f* pSrc, int srcStep, Kro32f* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiLUVToRGB_8u_C3R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiLUVToBGR_8u_C3R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiLUVToRGB_8u_AC4R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiLUVToRGB_16u_C3R(const Kro16u* pSrc, int srcStep, Kro16u* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiLUVToRGB_16u_AC4R(const Kro16u* pSrc, int srcStep, Kro16u* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiLUVToRGB_16s_C3R(const Kro16s* pSrc, int srcStep, Kro16s* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiLUVToRGB_16s_AC4R(const Kro16s* pSrc, int srcStep, Kro16s* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiLUVToRGB_32f_C3R(const Kro32f* pSrc, int srcStep, Kro32f* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiLUVToBGR_32f_C3R(const Kro32f* pSrc, int srcStep, Kro32f* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiLUVToRGB_32f_AC4R(const Kro32f* pSrc, int srcStep, Kro32f* pDst, int dstStep, kroiSize roiSize);
 
 /* ------------------------------------------------------------ Lab on planar float images */
+/* Three planes R, G, B and L, a, b of Kro32f or Kro64f samples, each plane with
+ * its own step in bytes. The 32f forms compute what kroiRGBToLab_32f_C3R and
+ * kroiLabToRGB_32f_C3R compute; the 64f forms compute in double precision
+ * throughout. Checks: pSrc, pDst, the source planes, srcStep, the destination
+ * planes, dstStep (null: kroStatusNullPointer), then the size. The plain forms
+ * test the step arrays first and then do what their _L forms do. */
+KroStatus kroiRGBToLab_32f_P3R(const Kro32f* const pSrc[3], const int srcStep[3], Kro32f* const pDst[3], const int dstStep[3], kroiSize roiSize);
+KroStatus kroiRGBToLab_32f_P3R_L(const Kro32f* const pSrc[3], const int srcStep[3], Kro32f* const pDst[3], const int dstStep[3], kroiSizeL roiSize);
+KroStatus kroiLabToRGB_32f_P3R(const Kro32f* const pSrc[3], const int srcStep[3], Kro32f* const pDst[3], const int dstStep[3], kroiSize roiSize);
+KroStatus kroiLabToRGB_32f_P3R_L(const Kro32f* const pSrc[3], const int srcStep[3], Kro32f* const pDst[3], const int dstStep[3], kroiSizeL roiSize);
+KroStatus kroiRGBToLab_64f_P3R(const Kro64f* const pSrc[3], const int srcStep[3], Kro64f* const pDst[3], const int dstStep[3], kroiSize roiSize);
+KroStatus kroiRGBToLab_64f_P3R_L(const Kro64f* const pSrc[3], const int srcStep[3], Kro64f* const pDst[3], const int dstStep[3], kroiSizeL roiSize);
+KroStatus kroiLabToRGB_64f_P3R(const Kro64f* const pSrc[3], const int srcStep[3], Kro64f* const pDst[3], const int dstStep[3], kroiSize roiSize);
+KroStatus kroiLabToRGB_64f_P3R_L(const Kro64f* const pSrc[3], const int srcStep[3], Kro64f* const pDst[3], const int dstStep[3], kroiSizeL roiSize);
 
 /* ------------------------------------------------------------ repacking between subsampled layouts */
 

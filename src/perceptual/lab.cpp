@@ -13,44 +13,11 @@ using namespace kro::lab;
 namespace {
 
 // ------------------------------------------------------------ conversions
-// RGB samples to Lab samples: XYZ by the matrix, relative to the white, f of
-// each, then L, a, b into the destination's encoding.
+// Forward (RGB to Lab) and Inverse (Lab to RGB): lab_forms.h.
 template <class White, class Series, class Out>
-struct Forward {
-    template <class I, class O>
-    static void apply(const I (&s)[3], O (&d)[3]) {
-        using T = FloatOf<I>;
-        const T r = toFloat(s[0]), g = toFloat(s[1]), b = toFloat(s[2]);
-        const T X = rowSum(kRgbToXyz[0], r, g, b);
-        const T Y = rowSum(kRgbToXyz[1], r, g, b);
-        const T Z = rowSum(kRgbToXyz[2], r, g, b);
-        T x, y, z;
-        White::relative(X, Y, Z, x, y, z);
-        T L, a, bb;
-        relXyzToLab<Series>(x, y, z, L, a, bb);
-        Out::encode(L, a, bb, d);
-    }
-};
-
-// Lab samples to RGB samples: cube roots, cubes times the white (no linear
-// segment), then RGB by the inverse matrix.
+using Forward = ToLab<White, Series, Out>;
 template <class In, class White, class Out>
-struct Inverse {
-    template <class I, class O>
-    static void apply(const I (&s)[3], O (&d)[3]) {
-        using T = FloatOf<I>;
-        T L, a, b;
-        In::decode(s, L, a, b);
-        T fx, fy, fz;
-        labToRoots(L, a, b, fx, fy, fz);
-        T X, Y, Z;
-        White::absolute(fx, fy, fz, X, Y, Z);
-        const T r = rowSum(kXyzToRgb[0], X, Y, Z);
-        const T g = rowSum(kXyzToRgb[1], X, Y, Z);
-        const T bl = rowSum(kXyzToRgb[2], X, Y, Z);
-        Out::encode(r, g, bl, d);
-    }
-};
+using Inverse = FromLab<In, White, Out>;
 
 // ------------------------------------------------------------ row kernel and region driver
 template <class Conv, class Src, class Dst>

@@ -65,43 +65,71 @@ inline int cubeIndex(float x) {
     const int i = truncToInt(c::cubeIndexScale * x);
     return i < 0 ? 0 : (i > 127 ? 127 : i);
 }
-inline void cubeSegment(float x, float& cc, float& k) {
-    const CubeSeg& s = kCubeTable.seg[cubeIndex(x)];
+inline I32x4 cubeIndex(F32x4 x) {
+    const V i = truncToInt(_mm_mul_ps(_mm_set1_ps(c::cubeIndexScale), x.v));
+    return I32x4(_mm_min_epi32(_mm_max_epi32(i, _mm_setzero_si128()), _mm_set1_epi32(127)));
+}
+// (c, k) of segment i (0..127) of a table
+inline void cubeSegmentAt(const CubeTable& tab, int i, float& cc, float& k) {
+    const CubeSeg& s = tab.seg[i];
     cc = s.c;
     k = s.k;
 }
-// four lanes: four indices, one 8-byte (c, k) load each, then c and k regrouped
-inline void cubeSegment(F32x4 x, F32x4& cc, F32x4& k) {
-    V i = truncToInt(_mm_mul_ps(_mm_set1_ps(c::cubeIndexScale), x.v));
-    i = _mm_min_epi32(_mm_max_epi32(i, _mm_setzero_si128()), _mm_set1_epi32(127));
-    const CubeSeg* t = kCubeTable.seg;
+// four lanes: one 8-byte (c, k) load per lane, then c and k regrouped
+inline void cubeSegmentAt(const CubeTable& tab, I32x4 idx, F32x4& cc, F32x4& k) {
+    const V i = idx.v;
+    const CubeSeg* t = tab.seg;
     const auto at = [t](int n) { return reinterpret_cast<const __m64*>(&t[n]); };
     const VF p01 = _mm_loadh_pi(_mm_loadl_pi(_mm_setzero_ps(), at(_mm_cvtsi128_si32(i))), at(_mm_extract_epi32(i, 1)));
     const VF p23 = _mm_loadh_pi(_mm_loadl_pi(_mm_setzero_ps(), at(_mm_extract_epi32(i, 2))), at(_mm_extract_epi32(i, 3)));
     cc = F32x4(_mm_shuffle_ps(p01, p23, _MM_SHUFFLE(2, 0, 2, 0)));
     k = F32x4(_mm_shuffle_ps(p01, p23, _MM_SHUFFLE(3, 1, 3, 1)));
 }
+template <class T>
+inline void cubeSegment(T x, T& cc, T& k) {
+    cubeSegmentAt(kCubeTable, cubeIndex(x), cc, k);
+}
 
 // ------------------------------------------------------------ forms
+// The alternating binomial series of (1 + e)^(1/3) in S::terms terms (4, 6
+// or 8); a four-term series names its fourth coefficient S::a4.
+template <class S, class T>
+inline T cubeSeries(T e) {
+    const T e2 = e * e;
+    const T e3 = e2 * e;
+    const T e4 = e3 * e;
+    if constexpr (S::terms == 4) {
+        return ((((c::a1 * e) + 1.0f) - (c::a2 * e2)) + (c::a3 * e3)) - (S::a4 * e4);
+    } else {
+        static_assert(S::terms == 6 || S::terms == 8, "series of 4, 6 or 8 terms");
+        const T e5 = e4 * e;
+        const T e6 = e5 * e;
+        T p = ((((((c::a1 * e) + 1.0f) - (c::a2 * e2)) + (c::a3 * e3)) - (c::a4 * e4)) + (c::a5 * e5)) -
+              (c::a6 * e6);
+        if constexpr (S::terms == 8) {
+            const T e7 = e6 * e;
+            const T e8 = e * e7;
+            p = (p + (S::a7 * e7)) - (S::a8 * e8);
+        }
+        return p;
+    }
+}
+
+// Cube root of x from segment i of a table: c times the series of
+// e = k (x - c^3).
+template <class S, class T, class I>
+inline T cubeRootAt(const CubeTable& tab, I i, T x) {
+    T cc, k;
+    cubeSegmentAt(tab, i, cc, k);
+    const T e = k * (x - ((cc * cc) * cc));
+    return cc * cubeSeries<S>(e);
+}
+
 // Cube root of x: c of x's segment times (1 + e)^(1/3), e = k (x - c^3), by
 // the alternating binomial series of S::terms terms (4 or 8).
 template <class S, class T>
 inline T cubeRoot(T x) {
-    T cc, k;
-    cubeSegment(x, cc, k);
-    const T e = k * (x - ((cc * cc) * cc));
-    const T e2 = e * e;
-    const T e3 = e2 * e;
-    const T e4 = e3 * e;
-    T p = ((((c::a1 * e) + 1.0f) - (c::a2 * e2)) + (c::a3 * e3)) - (c::a4 * e4);
-    if constexpr (S::terms == 8) {
-        const T e5 = e4 * e;
-        const T e6 = e5 * e;
-        const T e7 = e6 * e;
-        const T e8 = e * e7;
-        p = (((p + (c::a5 * e5)) - (c::a6 * e6)) + (S::a7 * e7)) - (S::a8 * e8);
-    }
-    return cc * p;
+    return cubeRootAt<S>(kCubeTable, cubeIndex(x), x);
 }
 
 // f(t): the cube root above thresh, slope t + 16/116 at and below it.
@@ -234,6 +262,46 @@ struct RgbFOut {
         s[0] = r;
         s[1] = g;
         s[2] = b;
+    }
+};
+
+// ------------------------------------------------------------ whole conversions
+// RGB samples to Lab samples: XYZ by the matrix, relative to the white, f of
+// each, then L, a, b into the destination's encoding.
+template <class White, class Series, class Out>
+struct ToLab {
+    template <class I, class O>
+    static void apply(const I (&s)[3], O (&d)[3]) {
+        using T = FloatOf<I>;
+        const T r = toFloat(s[0]), g = toFloat(s[1]), b = toFloat(s[2]);
+        const T X = rowSum(kRgbToXyz[0], r, g, b);
+        const T Y = rowSum(kRgbToXyz[1], r, g, b);
+        const T Z = rowSum(kRgbToXyz[2], r, g, b);
+        T x, y, z;
+        White::relative(X, Y, Z, x, y, z);
+        T L, a, bb;
+        relXyzToLab<Series>(x, y, z, L, a, bb);
+        Out::encode(L, a, bb, d);
+    }
+};
+
+// Lab samples to RGB samples: cube roots, cubes times the white (no linear
+// segment), then RGB by the inverse matrix.
+template <class In, class White, class Out>
+struct FromLab {
+    template <class I, class O>
+    static void apply(const I (&s)[3], O (&d)[3]) {
+        using T = FloatOf<I>;
+        T L, a, b;
+        In::decode(s, L, a, b);
+        T fx, fy, fz;
+        labToRoots(L, a, b, fx, fy, fz);
+        T X, Y, Z;
+        White::absolute(fx, fy, fz, X, Y, Z);
+        const T r = rowSum(kXyzToRgb[0], X, Y, Z);
+        const T g = rowSum(kXyzToRgb[1], X, Y, Z);
+        const T bl = rowSum(kXyzToRgb[2], X, Y, Z);
+        Out::encode(r, g, bl, d);
     }
 };
 

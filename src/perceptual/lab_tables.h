@@ -75,6 +75,7 @@ inline constexpr float a6 = bitsF(0x3CC0486B);  // 154/6561
 
 struct Series4 {  // 8-bit forms
     static constexpr int terms = 4;
+    static constexpr float a4 = c::a4;
 };
 struct Series8 {  // float forms: 374/19683 and 935/59049 to the float's precision
     static constexpr int terms = 8;
