@@ -151,6 +151,30 @@ KroStatus kroiRGBToYCC_8u_AC4R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int 
 KroStatus kroiYCCToRGB_8u_C3R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
 /* YCC with a fourth sample to RGBA, the destination's fourth sample kept (8u). */
 KroStatus kroiYCCToRGB_8u_AC4R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+/* Interleaved RGB to YCC (16u). */
+KroStatus kroiRGBToYCC_16u_C3R(const Kro16u* pSrc, int srcStep, Kro16u* pDst, int dstStep, kroiSize roiSize);
+/* RGBA to YCC with the destination's fourth sample kept (16u). */
+KroStatus kroiRGBToYCC_16u_AC4R(const Kro16u* pSrc, int srcStep, Kro16u* pDst, int dstStep, kroiSize roiSize);
+/* Interleaved YCC to RGB (16u). */
+KroStatus kroiYCCToRGB_16u_C3R(const Kro16u* pSrc, int srcStep, Kro16u* pDst, int dstStep, kroiSize roiSize);
+/* YCC with a fourth sample to RGBA, the destination's fourth sample kept (16u). */
+KroStatus kroiYCCToRGB_16u_AC4R(const Kro16u* pSrc, int srcStep, Kro16u* pDst, int dstStep, kroiSize roiSize);
+/* Interleaved RGB to YCC (16s). */
+KroStatus kroiRGBToYCC_16s_C3R(const Kro16s* pSrc, int srcStep, Kro16s* pDst, int dstStep, kroiSize roiSize);
+/* RGBA to YCC with the destination's fourth sample kept (16s). */
+KroStatus kroiRGBToYCC_16s_AC4R(const Kro16s* pSrc, int srcStep, Kro16s* pDst, int dstStep, kroiSize roiSize);
+/* Interleaved YCC to RGB (16s). */
+KroStatus kroiYCCToRGB_16s_C3R(const Kro16s* pSrc, int srcStep, Kro16s* pDst, int dstStep, kroiSize roiSize);
+/* YCC with a fourth sample to RGBA, the destination's fourth sample kept (16s). */
+KroStatus kroiYCCToRGB_16s_AC4R(const Kro16s* pSrc, int srcStep, Kro16s* pDst, int dstStep, kroiSize roiSize);
+/* Interleaved RGB to YCC (32f). */
+KroStatus kroiRGBToYCC_32f_C3R(const Kro32f* pSrc, int srcStep, Kro32f* pDst, int dstStep, kroiSize roiSize);
+/* RGBA to YCC with the destination's fourth sample kept (32f). */
+KroStatus kroiRGBToYCC_32f_AC4R(const Kro32f* pSrc, int srcStep, Kro32f* pDst, int dstStep, kroiSize roiSize);
+/* Interleaved YCC to RGB (32f). */
+KroStatus kroiYCCToRGB_32f_C3R(const Kro32f* pSrc, int srcStep, Kro32f* pDst, int dstStep, kroiSize roiSize);
+/* YCC with a fourth sample to RGBA, the destination's fourth sample kept (32f). */
+KroStatus kroiYCCToRGB_32f_AC4R(const Kro32f* pSrc, int srcStep, Kro32f* pDst, int dstStep, kroiSize roiSize);
 
 /* ------------------------------------------------------------ YCoCg */
 /* Y = (R + 2G + B) / 4, Co = (R - B) / 2, Cg = (2G - R - B) / 4 by shifts and adds,
