@@ -481,6 +481,22 @@ KroStatus kroiYUV422ToRGB_8u_P3R(const Kro8u* const pSrc[3], const int srcStep[3
 KroStatus kroiYUV422ToRGB_8u_P3(const Kro8u* const pSrc[3], Kro8u* const pDst[3], kroiSize roiSize);
 
 /* ------------------------------------------------------------ HSV */
+/* Interleaved RGB to HSV (8u). */
+KroStatus kroiRGBToHSV_8u_C3R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+/* RGBA to HSV with the destination's fourth sample kept (8u). */
+KroStatus kroiRGBToHSV_8u_AC4R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+/* Interleaved HSV to RGB (8u). */
+KroStatus kroiHSVToRGB_8u_C3R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+/* HSV with a fourth sample to RGBA, the destination's fourth sample kept (8u). */
+KroStatus kroiHSVToRGB_8u_AC4R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+/* Interleaved RGB to HSV (16u). */
+KroStatus kroiRGBToHSV_16u_C3R(const Kro16u* pSrc, int srcStep, Kro16u* pDst, int dstStep, kroiSize roiSize);
+/* RGBA to HSV with the destination's fourth sample kept (16u). */
+KroStatus kroiRGBToHSV_16u_AC4R(const Kro16u* pSrc, int srcStep, Kro16u* pDst, int dstStep, kroiSize roiSize);
+/* Interleaved HSV to RGB (16u). */
+KroStatus kroiHSVToRGB_16u_C3R(const Kro16u* pSrc, int srcStep, Kro16u* pDst, int dstStep, kroiSize roiSize);
+/* HSV with a fourth sample to RGBA, the destination's fourth sample kept (16u). */
+KroStatus kroiHSVToRGB_16u_AC4R(const Kro16u* pSrc, int srcStep, Kro16u* pDst, int dstStep, kroiSize roiSize);
 
 /* ------------------------------------------------------------ LUV */
 

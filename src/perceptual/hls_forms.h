@@ -11,6 +11,7 @@
 #include <cstdint>
 
 #include "frame/forms.h"
+#include "perceptual/reciprocal.h"
 
 namespace kro::hls {
 
@@ -68,19 +69,9 @@ inline float min3(float a, float b, float c) {
 inline VF min3(VF a, VF b, VF c) { return _mm_min_ps(_mm_min_ps(a, b), c); }
 
 // ------------------------------------------------------------ reciprocals
-// estimate: the vector unit's reciprocal instruction (rcpps), relative error at
-// most 1.5 x 2^-12; the exact value is the processor's. The scalar form takes
-// lane 0 of the same instruction, so a value gives the same estimate in the
-// main path and in the tail.
-inline VF estimate(VF x) { return _mm_rcp_ps(x); }
-inline float estimate(float x) { return _mm_cvtss_f32(_mm_rcp_ps(_mm_set_ss(x))); }
-
-// refined: one Newton step on the estimate, (r + r) - ((x * r) * r)
-template <class X>
-inline X refined(X x) {
-    const X r = estimate(x);
-    return (r + r) - ((x * r) * r);
-}
+// estimate (rcpps) and refined (one Newton step on it): perceptual/reciprocal.h
+using perceptual::estimate;
+using perceptual::refined;
 
 struct Estimate {
     template <class X>
