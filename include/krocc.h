@@ -151,6 +151,30 @@ KroStatus kroiRGBToYCC_8u_AC4R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int 
 KroStatus kroiYCCToRGB_8u_C3R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
 /* YCC with a fourth sample to RGBA, the destination's fourth sample kept (8u). */
 KroStatus kroiYCCToRGB_8u_AC4R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+/* Interleaved RGB to YCC (16u). */
+KroStatus kroiRGBToYCC_16u_C3R(const Kro16u* pSrc, int srcStep, Kro16u* pDst, int dstStep, kroiSize roiSize);
+/* RGBA to YCC with the destination's fourth sample kept (16u). */
+KroStatus kroiRGBToYCC_16u_AC4R(const Kro16u* pSrc, int srcStep, Kro16u* pDst, int dstStep, kroiSize roiSize);
+/* Interleaved YCC to RGB (16u). */
+KroStatus kroiYCCToRGB_16u_C3R(const Kro16u* pSrc, int srcStep, Kro16u* pDst, int dstStep, kroiSize roiSize);
+/* YCC with a fourth sample to RGBA, the destination's fourth sample kept (16u). */
+KroStatus kroiYCCToRGB_16u_AC4R(const Kro16u* pSrc, int srcStep, Kro16u* pDst, int dstStep, kroiSize roiSize);
+/* Interleaved RGB to YCC (16s). */
+KroStatus kroiRGBToYCC_16s_C3R(const Kro16s* pSrc, int srcStep, Kro16s* pDst, int dstStep, kroiSize roiSize);
+/* RGBA to YCC with the destination's fourth sample kept (16s). */
+KroStatus kroiRGBToYCC_16s_AC4R(const Kro16s* pSrc, int srcStep, Kro16s* pDst, int dstStep, kroiSize roiSize);
+/* Interleaved YCC to RGB (16s). */
+KroStatus kroiYCCToRGB_16s_C3R(const Kro16s* pSrc, int srcStep, Kro16s* pDst, int dstStep, kroiSize roiSize);
+/* YCC with a fourth sample to RGBA, the destination's fourth sample kept (16s). */
+KroStatus kroiYCCToRGB_16s_AC4R(const Kro16s* pSrc, int srcStep, Kro16s* pDst, int dstStep, kroiSize roiSize);
+/* Interleaved RGB to YCC (32f). */
+KroStatus kroiRGBToYCC_32f_C3R(const Kro32f* pSrc, int srcStep, Kro32f* pDst, int dstStep, kroiSize roiSize);
+/* RGBA to YCC with the destination's fourth sample kept (32f). */
+KroStatus kroiRGBToYCC_32f_AC4R(const Kro32f* pSrc, int srcStep, Kro32f* pDst, int dstStep, kroiSize roiSize);
+/* Interleaved YCC to RGB (32f). */
+KroStatus kroiYCCToRGB_32f_C3R(const Kro32f* pSrc, int srcStep, Kro32f* pDst, int dstStep, kroiSize roiSize);
+/* YCC with a fourth sample to RGBA, the destination's fourth sample kept (32f). */
+KroStatus kroiYCCToRGB_32f_AC4R(const Kro32f* pSrc, int srcStep, Kro32f* pDst, int dstStep, kroiSize roiSize);
 
 /* ------------------------------------------------------------ YCoCg */
 /* Y = (R + 2G + B) / 4, Co = (R - B) / 2, Cg = (2G - R - B) / 4 by shifts and adds,
@@ -457,6 +481,22 @@ KroStatus kroiYUV422ToRGB_8u_P3R(const Kro8u* const pSrc[3], const int srcStep[3
 KroStatus kroiYUV422ToRGB_8u_P3(const Kro8u* const pSrc[3], Kro8u* const pDst[3], kroiSize roiSize);
 
 /* ------------------------------------------------------------ HSV */
+/* Interleaved RGB to HSV (8u). */
+KroStatus kroiRGBToHSV_8u_C3R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+/* RGBA to HSV with the destination's fourth sample kept (8u). */
+KroStatus kroiRGBToHSV_8u_AC4R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+/* Interleaved HSV to RGB (8u). */
+KroStatus kroiHSVToRGB_8u_C3R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+/* HSV with a fourth sample to RGBA, the destination's fourth sample kept (8u). */
+KroStatus kroiHSVToRGB_8u_AC4R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+/* Interleaved RGB to HSV (16u). */
+KroStatus kroiRGBToHSV_16u_C3R(const Kro16u* pSrc, int srcStep, Kro16u* pDst, int dstStep, kroiSize roiSize);
+/* RGBA to HSV with the destination's fourth sample kept (16u). */
+KroStatus kroiRGBToHSV_16u_AC4R(const Kro16u* pSrc, int srcStep, Kro16u* pDst, int dstStep, kroiSize roiSize);
+/* Interleaved HSV to RGB (16u). */
+KroStatus kroiHSVToRGB_16u_C3R(const Kro16u* pSrc, int srcStep, Kro16u* pDst, int dstStep, kroiSize roiSize);
+/* HSV with a fourth sample to RGBA, the destination's fourth sample kept (16u). */
+KroStatus kroiHSVToRGB_16u_AC4R(const Kro16u* pSrc, int srcStep, Kro16u* pDst, int dstStep, kroiSize roiSize);
 
 /* ------------------------------------------------------------ LUV */
 /* CIE L*u*v* of linear RGB (BT.709 primaries, D65 white), in 32-bit floats.

@@ -63,3 +63,170 @@ TEST(PhotoYccValues, CornersInMainPathAndTail) {
 }
 
 }  // namespace
+
+// ------------------------------------------------------------ 16u, 16s, 32f
+#include "convt_test.h"
+
+namespace {
+
+template <class T>
+kt::TCall callT(KroStatus (*f)(const T*, int, T*, int, kroiSize)) {
+    return [f](const void* s, int ss, void* d, int ds, kroiSize r) {
+        return f(static_cast<const T*>(s), ss, static_cast<T*>(d), ds, r);
+    };
+}
+
+template <class T>
+kt::RefFn yccRefT(bool fwd) {
+    return [fwd](const uint8_t* s, uint8_t* d, kt::Path p) {
+        const T a = kt::getAt<T>(s, 0), b = kt::getAt<T>(s, 1), c = kt::getAt<T>(s, 2);
+        std::array<T, 3> o{};
+        if constexpr (std::is_same_v<T, Kro16u>)
+            o = fwd ? (p == kt::Main ? ref::ycc16uFwdMain(a, b, c) : ref::ycc16uFwdTail(a, b, c))
+                    : (p == kt::Main ? ref::ycc16uInvMain(a, b, c) : ref::ycc16uInvTail(a, b, c));
+        else if constexpr (std::is_same_v<T, Kro16s>)
+            o = fwd ? (p == kt::Main ? ref::ycc16sFwdMain(a, b, c) : ref::ycc16sFwdTail(a, b, c)) : ref::ycc16sInv(a, b, c);
+        else
+            o = fwd ? ref::ycc32fFwd(a, b, c) : ref::ycc32fInv(a, b, c);
+        for (int k = 0; k < 3; ++k) kt::putAt<T>(d, k, o[size_t(k)]);
+    };
+}
+
+template <class T>
+kt::TCase yccCase(const char* name, bool fwd, int cn, KroStatus (*f)(const T*, int, T*, int, kroiSize)) {
+    constexpr int S = sizeof(T);
+    kt::FillFn fill = std::is_same_v<T, Kro16u>   ? kt::FillFn(kt::fill16u)
+                      : std::is_same_v<T, Kro16s> ? kt::FillFn(kt::fill16s)
+                                                  : kt::FillFn(kt::fill32f);
+    return {name, S, cn, S, cn, S == 2 ? 1 : 2, 4, yccRefT<T>(fwd), kt::blockPath(4), fill, callT<T>(f)};
+}
+
+const std::vector<kt::TCase>& yccTypedCases() {
+    static const std::vector<kt::TCase> cases = {
+        yccCase<Kro16u>("kroiRGBToYCC_16u_C3R", true, 3, kroiRGBToYCC_16u_C3R),
+        yccCase<Kro16u>("kroiRGBToYCC_16u_AC4R", true, 4, kroiRGBToYCC_16u_AC4R),
+        yccCase<Kro16s>("kroiRGBToYCC_16s_C3R", true, 3, kroiRGBToYCC_16s_C3R),
+        yccCase<Kro16s>("kroiRGBToYCC_16s_AC4R", true, 4, kroiRGBToYCC_16s_AC4R),
+        yccCase<Kro32f>("kroiRGBToYCC_32f_C3R", true, 3, kroiRGBToYCC_32f_C3R),
+        yccCase<Kro32f>("kroiRGBToYCC_32f_AC4R", true, 4, kroiRGBToYCC_32f_AC4R),
+        yccCase<Kro16u>("kroiYCCToRGB_16u_C3R", false, 3, kroiYCCToRGB_16u_C3R),
+        yccCase<Kro16u>("kroiYCCToRGB_16u_AC4R", false, 4, kroiYCCToRGB_16u_AC4R),
+        yccCase<Kro16s>("kroiYCCToRGB_16s_C3R", false, 3, kroiYCCToRGB_16s_C3R),
+        yccCase<Kro16s>("kroiYCCToRGB_16s_AC4R", false, 4, kroiYCCToRGB_16s_AC4R),
+        yccCase<Kro32f>("kroiYCCToRGB_32f_C3R", false, 3, kroiYCCToRGB_32f_C3R),
+        yccCase<Kro32f>("kroiYCCToRGB_32f_AC4R", false, 4, kroiYCCToRGB_32f_AC4R),
+    };
+    return cases;
+}
+
+class PhotoYccTyped : public ::testing::TestWithParam<int> {};
+TEST_P(PhotoYccTyped, MatchesReferenceAtEveryColumnAndOffset) { kt::sweepT(yccTypedCases()[GetParam()]); }
+TEST_P(PhotoYccTyped, ChecksInOrderAndWritesNothingOnFailure) { kt::checkStatusesT(yccTypedCases()[GetParam()]); }
+INSTANTIATE_TEST_SUITE_P(All, PhotoYccTyped, ::testing::Range(0, int(yccTypedCases().size())),
+                         [](const ::testing::TestParamInfo<int>& i) { return yccTypedCases()[i.param].name; });
+
+// Every 16-bit value of each channel, the other two random, through the main
+// path (width 4096) and the tail (width 3) of each 16-bit operation.
+template <class T>
+void channelSweep(KroStatus (*f)(const T*, int, T*, int, kroiSize), bool fwd) {
+    const int n = 65536;
+    for (int ch = 0; ch < 3; ++ch)
+        for (int width : {4096, 3}) {
+            const int height = (n + width - 1) / width;
+            const size_t pixels = size_t(width) * size_t(height);
+            std::vector<T> src(pixels * 3), dst(pixels * 3);
+            for (size_t i = 0; i < pixels; ++i)
+                for (int k = 0; k < 3; ++k)
+                    src[i * 3 + size_t(k)] = T(k == ch ? uint16_t(i) : uint16_t(kt::rnd() >> 7));
+            ASSERT_EQ(f(src.data(), width * 3 * 2, dst.data(), width * 3 * 2, {width, height}), kroStatusOk);
+            const auto ref = yccRefT<T>(fwd);
+            int bad = 0;
+            for (size_t i = 0; i < pixels && bad < 3; ++i) {
+                T want[3];
+                ref(reinterpret_cast<const uint8_t*>(&src[i * 3]), reinterpret_cast<uint8_t*>(want),
+                    width == 4096 ? kt::Main : kt::Tail);
+                if (std::memcmp(want, &dst[i * 3], sizeof want) != 0) {
+                    ++bad;
+                    ADD_FAILURE() << "channel " << ch << " width " << width << " pixel " << i << ": " << dst[i * 3]
+                                  << "," << dst[i * 3 + 1] << "," << dst[i * 3 + 2] << " want " << want[0] << ","
+                                  << want[1] << "," << want[2];
+                }
+            }
+        }
+}
+TEST(PhotoYccTypedSweep, EveryValueOfEachChannel16u) {
+    channelSweep<Kro16u>(kroiRGBToYCC_16u_C3R, true);
+    channelSweep<Kro16u>(kroiYCCToRGB_16u_C3R, false);
+}
+TEST(PhotoYccTypedSweep, EveryValueOfEachChannel16s) {
+    channelSweep<Kro16s>(kroiRGBToYCC_16s_C3R, true);
+    channelSweep<Kro16s>(kroiYCCToRGB_16s_C3R, false);
+}
+
+template <class T>
+std::array<T, 3> yccAt(KroStatus (*f)(const T*, int, T*, int, kroiSize), int x, int width, T a, T b, T c) {
+    std::vector<T> src(size_t(width) * 3), dst(size_t(width) * 3);
+    for (int i = 0; i < width; ++i) src[size_t(i) * 3] = a, src[size_t(i) * 3 + 1] = b, src[size_t(i) * 3 + 2] = c;
+    EXPECT_EQ(f(src.data(), 0, dst.data(), 0, {width, 1}), kroStatusOk);
+    return {dst[size_t(x) * 3], dst[size_t(x) * 3 + 1], dst[size_t(x) * 3 + 2]};
+}
+
+TEST(PhotoYccValues, FullScale16uInBothPaths) {
+    using A = std::array<Kro16u, 3>;
+    for (int x : {0, 4}) {
+        EXPECT_EQ(yccAt<Kro16u>(kroiRGBToYCC_16u_C3R, x, 5, 65535, 65535, 65535), (A{46744, 40092, 35209}));
+        EXPECT_EQ(yccAt<Kro16u>(kroiYCCToRGB_16u_C3R, x, 5, 46744, 40092, 35209), (A{63497, 63497, 63497}));
+    }
+}
+
+TEST(PhotoYccValues, Inverse16sFloorGivesMinimum) {
+    for (int x : {0, 4})
+        EXPECT_EQ(yccAt<Kro16s>(kroiYCCToRGB_16s_C3R, x, 5, -32768, 7324, 2441),
+                  (std::array<Kro16s, 3>{-32768, -32768, -32768}));
+}
+
+// 16s is 16u shifted by 32768 in the main path (the tail keeps the Y0 form
+// where 16u changes to the direct matrix, so only the main path is compared).
+TEST(PhotoYccValues, Forward16sIsShifted16uInMainPath) {
+    for (int v : {0, 1000, 30000, 65535}) {
+        const auto u = yccAt<Kro16u>(kroiRGBToYCC_16u_C3R, 0, 4, Kro16u(v), Kro16u(65535 - v), Kro16u(v / 3));
+        const auto s = yccAt<Kro16s>(kroiRGBToYCC_16s_C3R, 0, 4, Kro16s(v - 32768), Kro16s(32767 - v),
+                                     Kro16s(v / 3 - 32768));
+        for (int k = 0; k < 3; ++k) EXPECT_EQ(int(s[size_t(k)]) + 32768, int(u[size_t(k)])) << v << " " << k;
+    }
+}
+
+TEST(PhotoYccValues, Float32WhiteAndClamp) {
+    for (int x : {0, 4}) {
+        const auto w = yccAt<Kro32f>(kroiRGBToYCC_32f_C3R, x, 5, 1.0f, 1.0f, 1.0f);
+        EXPECT_FLOAT_EQ(w[0], 0.7132668f);
+        EXPECT_FLOAT_EQ(w[1], 0.6117647f);
+        EXPECT_FLOAT_EQ(w[2], 0.5372549f);
+        // far above white: every result limited to 1; far below: 0
+        for (float v : yccAt<Kro32f>(kroiYCCToRGB_32f_C3R, x, 5, 5.0f, 0.6117647f, 0.5372549f)) EXPECT_EQ(v, 1.0f);
+        for (float v : yccAt<Kro32f>(kroiYCCToRGB_32f_C3R, x, 5, -5.0f, 0.6117647f, 0.5372549f)) EXPECT_EQ(v, 0.0f);
+    }
+}
+
+TEST(PhotoYccValues, FourthSampleKeptInEveryTypeAndPath) {
+    for (int width : {1, 3, 4, 7, 8, 9}) {
+        std::vector<Kro16u> s16(size_t(width) * 4, 30000), d16(size_t(width) * 4, 0xbeef);
+        std::vector<Kro32f> s32(size_t(width) * 4, 0.5f), d32(size_t(width) * 4, -9.0f);
+        for (auto f : {kroiRGBToYCC_16u_AC4R, kroiYCCToRGB_16u_AC4R}) {
+            ASSERT_EQ(f(s16.data(), width * 8, d16.data(), width * 8, {width, 1}), kroStatusOk);
+            for (int i = 0; i < width; ++i) EXPECT_EQ(d16[size_t(i) * 4 + 3], 0xbeef);
+        }
+        for (auto f : {kroiRGBToYCC_16s_AC4R, kroiYCCToRGB_16s_AC4R}) {
+            ASSERT_EQ(f(reinterpret_cast<const Kro16s*>(s16.data()), width * 8, reinterpret_cast<Kro16s*>(d16.data()),
+                        width * 8, {width, 1}),
+                      kroStatusOk);
+            for (int i = 0; i < width; ++i) EXPECT_EQ(d16[size_t(i) * 4 + 3], 0xbeef);
+        }
+        for (auto f : {kroiRGBToYCC_32f_AC4R, kroiYCCToRGB_32f_AC4R}) {
+            ASSERT_EQ(f(s32.data(), width * 16, d32.data(), width * 16, {width, 1}), kroStatusOk);
+            for (int i = 0; i < width; ++i) EXPECT_EQ(d32[size_t(i) * 4 + 3], -9.0f);
+        }
+    }
+}
+
+}  // namespace
