@@ -481,6 +481,13 @@ KroStatus kroiYUV422ToRGB_8u_P3(const Kro8u* const pSrc[3], Kro8u* const pDst[3]
 /* ------------------------------------------------------------ 12-bit packing */
 
 /* ------------------------------------------------------------ Bayer demosaicing */
+/* The raw operations address the source by the image's top left sample and take
+ * the region (srcRoi) in image coordinates and the whole image's size; the
+ * destination address is the region's top left pixel. The pattern is anchored
+ * at the image origin. A region reaching past the image is cut at its edges. */
+/* Bayer mosaic to RGB by directional interpolation; images from 2 x 2. reserved is not read. */
+KroStatus kroiCFAToRGB_8u_C1C3R(const Kro8u* pSrc, kroiRect srcRoi, kroiSize srcSize, int srcStep, Kro8u* pDst, int dstStep, KroiBayerGrid grid, int reserved);
+KroStatus kroiCFAToRGB_16u_C1C3R(const Kro16u* pSrc, kroiRect srcRoi, kroiSize srcSize, int srcStep, Kro16u* pDst, int dstStep, KroiBayerGrid grid, int reserved);
 
 #ifdef __cplusplus
 }
