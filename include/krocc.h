@@ -488,6 +488,13 @@ KroStatus kroiYUV422ToRGB_8u_P3(const Kro8u* const pSrc[3], Kro8u* const pDst[3]
 /* Bayer mosaic to RGB by directional interpolation; images from 2 x 2. reserved is not read. */
 KroStatus kroiCFAToRGB_8u_C1C3R(const Kro8u* pSrc, kroiRect srcRoi, kroiSize srcSize, int srcStep, Kro8u* pDst, int dstStep, KroiBayerGrid grid, int reserved);
 KroStatus kroiCFAToRGB_16u_C1C3R(const Kro16u* pSrc, kroiRect srcRoi, kroiSize srcSize, int srcStep, Kro16u* pDst, int dstStep, KroiBayerGrid grid, int reserved);
+/* Bayer mosaic to BGRA by a variable number of gradients; images from 5 x 5. scale: gains for
+ * B, G, R, or null for none. The fourth sample of computed pixels is kept; the two-pixel image
+ * frame inside the region is copied whole from the nearest computed pixel. */
+KroStatus kroiCFAToBGRA_VNG_8u_C1C4R(const Kro8u* pSrc, kroiRect srcRoi, kroiSize srcSize, int srcStep, const Kro32f* scale, Kro8u* pDst, int dstStep, KroiBayerGrid grid);
+KroStatus kroiCFAToBGRA_VNG_16u_C1C4R(const Kro16u* pSrc, kroiRect srcRoi, kroiSize srcSize, int srcStep, const Kro32f* scale, Kro16u* pDst, int dstStep, KroiBayerGrid grid);
+KroStatus kroiCFAToBGRA_VNG_8u_C1C4R_L(const Kro8u* pSrc, kroiRect srcRoi, kroiSizeL srcSize, int srcStep, const Kro32f* scale, Kro8u* pDst, int dstStep, KroiBayerGrid grid);
+KroStatus kroiCFAToBGRA_VNG_16u_C1C4R_L(const Kro16u* pSrc, kroiRect srcRoi, kroiSizeL srcSize, int srcStep, const Kro32f* scale, Kro16u* pDst, int dstStep, KroiBayerGrid grid);
 
 #ifdef __cplusplus
 }
