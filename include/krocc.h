@@ -725,6 +725,20 @@ KroStatus kroiReduceBits_8u1u_C1R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, i
 /* ------------------------------------------------------------ 12-bit packing */
 
 /* ------------------------------------------------------------ Bayer demosaicing */
+/* The raw operations address the source by the image's top left sample and take
+ * the region (srcRoi) in image coordinates and the whole image's size; the
+ * destination address is the region's top left pixel. The pattern is anchored
+ * at the image origin. A region reaching past the image is cut at its edges. */
+/* Bayer mosaic to RGB by directional interpolation; images from 2 x 2. reserved is not read. */
+KroStatus kroiCFAToRGB_8u_C1C3R(const Kro8u* pSrc, kroiRect srcRoi, kroiSize srcSize, int srcStep, Kro8u* pDst, int dstStep, KroiBayerGrid grid, int reserved);
+KroStatus kroiCFAToRGB_16u_C1C3R(const Kro16u* pSrc, kroiRect srcRoi, kroiSize srcSize, int srcStep, Kro16u* pDst, int dstStep, KroiBayerGrid grid, int reserved);
+/* Bayer mosaic to BGRA by a variable number of gradients; images from 5 x 5. scale: gains for
+ * B, G, R, or null for none. The fourth sample of computed pixels is kept; the two-pixel image
+ * frame inside the region is copied whole from the nearest computed pixel. */
+KroStatus kroiCFAToBGRA_VNG_8u_C1C4R(const Kro8u* pSrc, kroiRect srcRoi, kroiSize srcSize, int srcStep, const Kro32f* scale, Kro8u* pDst, int dstStep, KroiBayerGrid grid);
+KroStatus kroiCFAToBGRA_VNG_16u_C1C4R(const Kro16u* pSrc, kroiRect srcRoi, kroiSize srcSize, int srcStep, const Kro32f* scale, Kro16u* pDst, int dstStep, KroiBayerGrid grid);
+KroStatus kroiCFAToBGRA_VNG_8u_C1C4R_L(const Kro8u* pSrc, kroiRect srcRoi, kroiSizeL srcSize, int srcStep, const Kro32f* scale, Kro8u* pDst, int dstStep, KroiBayerGrid grid);
+KroStatus kroiCFAToBGRA_VNG_16u_C1C4R_L(const Kro16u* pSrc, kroiRect srcRoi, kroiSizeL srcSize, int srcStep, const Kro32f* scale, Kro16u* pDst, int dstStep, KroiBayerGrid grid);
 
 #ifdef __cplusplus
 }
