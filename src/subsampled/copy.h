@@ -19,8 +19,8 @@ namespace kro::sub {
 // unaligned start, then 64 bytes a step from the destination's first 16-byte
 // boundary, then 16 at a time and a last (overlapping) 16 bytes at the end.
 // With `bypass` set the 64-byte steps use non-temporal stores, unless the
-// source trails the destination by 16 to 320 bytes modulo 64 KiB (where the
-// streamed lines would alias the loads), and end with a store fence.
+// source lies 16 to 320 bytes below the destination modulo 64 KiB (where the
+// streamed lines would alias the loads ahead), and end with a store fence.
 inline void lineCopy(const Kro8u* src, Kro8u* dst, std::ptrdiff_t n, bool bypass) {
     if (n < 64) {
         for (std::ptrdiff_t i = 0; i < n; ++i) dst[i] = src[i];
