@@ -547,6 +547,109 @@ KroStatus kroiLabToRGB_64f_P3R_L(const Kro64f* const pSrc[3], const int srcStep[
 
 /* ------------------------------------------------------------ repacking between subsampled layouts */
 
+/* Packed Cb Y Cr Y to 4:1:1 planes; odd chroma samples dropped. */
+KroStatus kroiCbYCr422ToYCbCr411_8u_C2P3R(const Kro8u* pSrc, int srcStep, Kro8u* const pDst[3], const int dstStep[3], kroiSize roiSize);
+/* Packed Cb Y Cr Y to 4:2:0 luma and CbCr pairs; chroma of odd rows dropped. */
+KroStatus kroiCbYCr422ToYCbCr420_8u_C2P2R(const Kro8u* pSrc, int srcStep, Kro8u* pDstY, int dstYStep, Kro8u* pDstCbCr, int dstCbCrStep, kroiSize roiSize);
+/* Packed Cb Y Cr Y to 4:2:0 planes; chroma of odd rows dropped. */
+KroStatus kroiCbYCr422ToYCbCr420_8u_C2P3R(const Kro8u* pSrc, int srcStep, Kro8u* const pDst[3], const int dstStep[3], kroiSize roiSize);
+/* Packed Cb Y Cr Y to 4:2:2 planes. */
+KroStatus kroiCbYCr422ToYCbCr422_8u_C2P3R(const Kro8u* pSrc, int srcStep, Kro8u* const pDst[3], const int dstStep[3], kroiSize roiSize);
+/* Packed Cb Y Cr Y to packed Y Cb Y Cr. */
+KroStatus kroiCbYCr422ToYCbCr422_8u_C2R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+/* Packed Cb Y Cr Y to 4:2:0 planes Y, Cr, Cb; chroma of odd rows dropped. */
+KroStatus kroiCbYCr422ToYCrCb420_8u_C2P3R(const Kro8u* pSrc, int srcStep, Kro8u* const pDst[3], const int dstStep[3], kroiSize roiSize);
+/* 4:1:1 luma and CbCr pairs to 4:2:0 planes; two rows of chroma folded into one. */
+KroStatus kroiYCbCr411ToYCbCr420_8u_P2P3R(const Kro8u* pSrcY, int srcYStep, const Kro8u* pSrcCbCr, int srcCbCrStep, Kro8u* const pDst[3], const int dstStep[3], kroiSize roiSize);
+/* 4:1:1 planes to 4:2:0 luma and CbCr pairs; two rows of chroma folded into one. */
+KroStatus kroiYCbCr411ToYCbCr420_8u_P3P2R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* pDstY, int dstYStep, Kro8u* pDstCbCr, int dstCbCrStep, kroiSize roiSize);
+/* 4:1:1 planes to 4:2:0 planes; two rows of chroma folded into one. */
+KroStatus kroiYCbCr411ToYCbCr420_8u_P3R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* const pDst[3], const int dstStep[3], kroiSize roiSize);
+/* 4:1:1 luma and CbCr pairs to packed Y Cb Y Cr; each chroma sample doubled. */
+KroStatus kroiYCbCr411ToYCbCr422_8u_P2C2R(const Kro8u* pSrcY, int srcYStep, const Kro8u* pSrcCbCr, int srcCbCrStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+/* 4:1:1 luma and CbCr pairs to 4:2:2 planes; each chroma sample doubled. */
+KroStatus kroiYCbCr411ToYCbCr422_8u_P2P3R(const Kro8u* pSrcY, int srcYStep, const Kro8u* pSrcCbCr, int srcCbCrStep, Kro8u* const pDst[3], const int dstStep[3], kroiSize roiSize);
+/* 4:1:1 planes to packed Y Cb Y Cr; each chroma sample doubled. */
+KroStatus kroiYCbCr411ToYCbCr422_8u_P3C2R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* pDst, int dstStep, kroiSize roiSize);
+/* 4:1:1 planes to 4:2:2 planes; each chroma sample doubled. */
+KroStatus kroiYCbCr411ToYCbCr422_8u_P3R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* const pDst[3], const int dstStep[3], kroiSize roiSize);
+/* 4:1:1 luma and CbCr pairs to 4:2:0 planes Y, Cr, Cb; two rows of chroma folded into one. */
+KroStatus kroiYCbCr411ToYCrCb420_8u_P2P3R(const Kro8u* pSrcY, int srcYStep, const Kro8u* pSrcCbCr, int srcCbCrStep, Kro8u* const pDst[3], const int dstStep[3], kroiSize roiSize);
+/* 4:1:1 planes to packed Y Cr Y Cb; each chroma sample doubled. */
+KroStatus kroiYCbCr411ToYCrCb422_8u_P3C2R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* pDst, int dstStep, kroiSize roiSize);
+/* 4:1:1 planes to 4:2:2 planes Y, Cr, Cb; each chroma sample doubled. */
+KroStatus kroiYCbCr411ToYCrCb422_8u_P3R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* const pDst[3], const int dstStep[3], kroiSize roiSize);
+/* 4:1:1 luma and CbCr pairs to 4:1:1 planes. */
+KroStatus kroiYCbCr411_8u_P2P3R(const Kro8u* pSrcY, int srcYStep, const Kro8u* pSrcCbCr, int srcCbCrStep, Kro8u* const pDst[3], const int dstStep[3], kroiSize roiSize);
+/* 4:1:1 planes to 4:1:1 luma and CbCr pairs. */
+KroStatus kroiYCbCr411_8u_P3P2R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* pDstY, int dstYStep, Kro8u* pDstCbCr, int dstCbCrStep, kroiSize roiSize);
+/* 4:2:0 luma and CbCr pairs to packed Cb Y Cr Y; each chroma row serves two rows. */
+KroStatus kroiYCbCr420ToCbYCr422_8u_P2C2R(const Kro8u* pSrcY, int srcYStep, const Kro8u* pSrcCbCr, int srcCbCrStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+/* 4:2:0 luma and CbCr pairs to 4:1:1 planes; each chroma row unfolded into two. */
+KroStatus kroiYCbCr420ToYCbCr411_8u_P2P3R(const Kro8u* pSrcY, int srcYStep, const Kro8u* pSrcCbCr, int srcCbCrStep, Kro8u* const pDst[3], const int dstStep[3], kroiSize roiSize);
+/* 4:2:0 planes to 4:1:1 luma and CbCr pairs; each chroma row unfolded into two. */
+KroStatus kroiYCbCr420ToYCbCr411_8u_P3P2R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* pDstY, int dstYStep, Kro8u* pDstCbCr, int dstCbCrStep, kroiSize roiSize);
+/* 4:2:0 luma and CbCr pairs to packed Y Cb Y Cr; each chroma row serves two rows. */
+KroStatus kroiYCbCr420ToYCbCr422_8u_P2C2R(const Kro8u* pSrcY, int srcYStep, const Kro8u* pSrcCbCr, int srcCbCrStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+/* 4:2:0 luma and CbCr pairs to 4:2:2 planes; each chroma row serves two rows. */
+KroStatus kroiYCbCr420ToYCbCr422_8u_P2P3R(const Kro8u* pSrcY, int srcYStep, const Kro8u* pSrcCbCr, int srcCbCrStep, Kro8u* const pDst[3], const int dstStep[3], kroiSize roiSize);
+/* 4:2:0 planes to 4:2:2 planes; each chroma row serves two rows. */
+KroStatus kroiYCbCr420ToYCbCr422_8u_P3R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* const pDst[3], const int dstStep[3], kroiSize roiSize);
+/* 4:2:0 luma and CbCr pairs to 4:2:0 planes; the first byte of each pair goes to element 1. */
+KroStatus kroiYCbCr420ToYCrCb420_8u_P2P3R(const Kro8u* pSrcY, int srcYStep, const Kro8u* pSrcCbCr, int srcCbCrStep, Kro8u* const pDst[3], const int dstStep[3], kroiSize roiSize);
+/* 4:2:0 luma and CbCr pairs to 4:2:0 planes. */
+KroStatus kroiYCbCr420_8u_P2P3R(const Kro8u* pSrcY, int srcYStep, const Kro8u* pSrcCbCr, int srcCbCrStep, Kro8u* const pDst[3], const int dstStep[3], kroiSize roiSize);
+/* 4:2:0 planes to 4:2:0 luma and CbCr pairs. */
+KroStatus kroiYCbCr420_8u_P3P2R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* pDstY, int dstYStep, Kro8u* pDstCbCr, int dstCbCrStep, kroiSize roiSize);
+/* Packed Y Cb Y Cr to packed Cb Y Cr Y. */
+KroStatus kroiYCbCr422ToCbYCr422_8u_C2R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+/* 4:2:2 planes to packed Cb Y Cr Y (+35 for an odd width). */
+KroStatus kroiYCbCr422ToCbYCr422_8u_P3C2R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* pDst, int dstStep, kroiSize roiSize);
+/* Packed Y Cb Y Cr to 4:1:1 luma and CbCr pairs; odd chroma samples dropped. */
+KroStatus kroiYCbCr422ToYCbCr411_8u_C2P2R(const Kro8u* pSrc, int srcStep, Kro8u* pDstY, int dstYStep, Kro8u* pDstCbCr, int dstCbCrStep, kroiSize roiSize);
+/* Packed Y Cb Y Cr to 4:1:1 planes; odd chroma samples dropped. */
+KroStatus kroiYCbCr422ToYCbCr411_8u_C2P3R(const Kro8u* pSrc, int srcStep, Kro8u* const pDst[3], const int dstStep[3], kroiSize roiSize);
+/* 4:2:2 planes to 4:1:1 luma and CbCr pairs; odd chroma samples dropped. */
+KroStatus kroiYCbCr422ToYCbCr411_8u_P3P2R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* pDstY, int dstYStep, Kro8u* pDstCbCr, int dstCbCrStep, kroiSize roiSize);
+/* 4:2:2 planes to 4:1:1 planes; odd chroma samples dropped. */
+KroStatus kroiYCbCr422ToYCbCr411_8u_P3R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* const pDst[3], const int dstStep[3], kroiSize roiSize);
+/* Packed Y Cb Y Cr to 4:2:0 luma and CbCr pairs; chroma of odd rows dropped. */
+KroStatus kroiYCbCr422ToYCbCr420_8u_C2P2R(const Kro8u* pSrc, int srcStep, Kro8u* pDstY, int dstYStep, Kro8u* pDstCbCr, int dstCbCrStep, kroiSize roiSize);
+/* Packed Y Cb Y Cr to 4:2:0 planes; chroma of odd rows dropped. */
+KroStatus kroiYCbCr422ToYCbCr420_8u_C2P3R(const Kro8u* pSrc, int srcStep, Kro8u* const pDst[3], const int dstStep[3], kroiSize roiSize);
+/* 4:2:2 planes to 4:2:0 luma and CbCr pairs; chroma of odd rows dropped. */
+KroStatus kroiYCbCr422ToYCbCr420_8u_P3P2R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* pDstY, int dstYStep, Kro8u* pDstCbCr, int dstCbCrStep, kroiSize roiSize);
+/* 4:2:2 planes to 4:2:0 planes; chroma of odd rows dropped. */
+KroStatus kroiYCbCr422ToYCbCr420_8u_P3R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* const pDst[3], const int dstStep[3], kroiSize roiSize);
+/* Packed Y Cb Y Cr to 4:2:0 luma and CrCb pairs; chroma of odd rows dropped. */
+KroStatus kroiYCbCr422ToYCrCb420_8u_C2P2R(const Kro8u* pSrc, int srcStep, Kro8u* pDstY, int dstYStep, Kro8u* pDstCbCr, int dstCbCrStep, kroiSize roiSize);
+/* Packed Y Cb Y Cr to 4:2:0 planes Y, Cr, Cb; chroma of odd rows dropped. */
+KroStatus kroiYCbCr422ToYCrCb420_8u_C2P3R(const Kro8u* pSrc, int srcStep, Kro8u* const pDst[3], const int dstStep[3], kroiSize roiSize);
+/* Packed Y Cb Y Cr to packed Y Cr Y Cb. */
+KroStatus kroiYCbCr422ToYCrCb422_8u_C2R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+/* 4:2:2 planes to packed Y Cr Y Cb. */
+KroStatus kroiYCbCr422ToYCrCb422_8u_P3C2R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* pDst, int dstStep, kroiSize roiSize);
+/* Packed Y Cb Y Cr to 4:2:2 planes. */
+KroStatus kroiYCbCr422_8u_C2P3R(const Kro8u* pSrc, int srcStep, Kro8u* const pDst[3], const int dstStep[3], kroiSize roiSize);
+/* 4:2:2 planes to packed Y Cb Y Cr. */
+KroStatus kroiYCbCr422_8u_P3C2R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* pDst, int dstStep, kroiSize roiSize);
+/* 4:2:0 planes Y, Cr, Cb to packed Cb Y Cr Y; each chroma row serves two rows. */
+KroStatus kroiYCrCb420ToCbYCr422_8u_P3C2R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* pDst, int dstStep, kroiSize roiSize);
+/* 4:2:0 planes Y, Cr, Cb to 4:1:1 luma and CbCr pairs; each chroma row unfolded into two. */
+KroStatus kroiYCrCb420ToYCbCr411_8u_P3P2R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* pDstY, int dstYStep, Kro8u* pDstCbCr, int dstCbCrStep, kroiSize roiSize);
+/* 4:2:0 planes Y, Cr, Cb to 4:2:0 luma and CbCr pairs. */
+KroStatus kroiYCrCb420ToYCbCr420_8u_P3P2R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* pDstY, int dstYStep, Kro8u* pDstCbCr, int dstCbCrStep, kroiSize roiSize);
+/* 4:2:0 planes Y, Cr, Cb to packed Y Cb Y Cr; each chroma row serves two rows. */
+KroStatus kroiYCrCb420ToYCbCr422_8u_P3C2R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* pDst, int dstStep, kroiSize roiSize);
+/* 4:2:0 planes Y, Cr, Cb to 4:2:2 planes; each chroma row serves two rows. */
+KroStatus kroiYCrCb420ToYCbCr422_8u_P3R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* const pDst[3], const int dstStep[3], kroiSize roiSize);
+/* Packed Y Cr Y Cb to 4:1:1 planes; odd chroma samples dropped. */
+KroStatus kroiYCrCb422ToYCbCr411_8u_C2P3R(const Kro8u* pSrc, int srcStep, Kro8u* const pDst[3], const int dstStep[3], kroiSize roiSize);
+/* Packed Y Cr Y Cb to 4:2:0 planes; chroma of odd rows dropped. */
+KroStatus kroiYCrCb422ToYCbCr420_8u_C2P3R(const Kro8u* pSrc, int srcStep, Kro8u* const pDst[3], const int dstStep[3], kroiSize roiSize);
+/* Packed Y Cr Y Cb to 4:2:2 planes. */
+KroStatus kroiYCrCb422ToYCbCr422_8u_C2P3R(const Kro8u* pSrc, int srcStep, Kro8u* const pDst[3], const int dstStep[3], kroiSize roiSize);
+
 /* ------------------------------------------------------------ filtered and interlaced chroma */
 
 /* ------------------------------------------------------------ 10-bit packed video and gamma-encoded 4:2:2 */

@@ -50,6 +50,7 @@ inline constexpr Planar kYUV422P3 = kYCbCr422P3;
 inline constexpr Planar kYCbCr420P3{k420, 1, 2};
 inline constexpr Planar kYUV420P3 = kYCbCr420P3;
 inline constexpr Planar kYCrCb420P3{k420, 2, 1};  // element 1 is the Cr plane
+inline constexpr Planar kYCrCb422P3{k422, 2, 1};  // element 1 is the Cr plane
 inline constexpr Planar kYCbCr411P3{k411, 1, 2};
 inline constexpr Planar kYCbCr1620P3{k1620, 1, 2};
 
