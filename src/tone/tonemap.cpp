@@ -16,6 +16,19 @@ using namespace kro;
 
 namespace {
 
+// One float from an address that may sit anywhere (rows step by bytes).
+inline float sampleAt(const float* p, int x) {
+    float f;
+    std::memcpy(&f, p + x, sizeof f);
+    return f;
+}
+inline VF loadOne(const float* p) {
+    float f;
+    std::memcpy(&f, p, sizeof f);
+    return _mm_set_ss(f);
+}
+
+
 const float* rowAtByte(const Kro32f* p, int y, int step) {
     return reinterpret_cast<const float*>(reinterpret_cast<const char*>(p) + static_cast<std::ptrdiff_t>(y) * step);
 }
@@ -90,7 +103,7 @@ float regionMax(const Kro32f* pSrc, int srcStep, kroiSize roi) {
             m0 = _mm_max_ps(m0, _mm_loadu_ps(p + x));
             m1 = _mm_max_ps(m1, _mm_loadu_ps(p + x + 4));
         }
-        for (; x < roi.width; ++x) m = _mm_cvtss_f32(_mm_max_ss(_mm_set_ss(m), _mm_load_ss(p + x)));
+        for (; x < roi.width; ++x) m = _mm_cvtss_f32(_mm_max_ss(_mm_set_ss(m), loadOne(p + x)));
     }
     alignas(16) float l[4];
     _mm_store_ps(l, _mm_max_ps(m0, m1));
@@ -106,7 +119,7 @@ struct RowSum {
 RowSum rowSum(const float* p, int n) {
     VF a = _mm_setzero_ps(), b = a, c = a, d = a;
     const uintptr_t at = reinterpret_cast<uintptr_t>(p);
-    auto two = [](const float* q) { return _mm_castpd_ps(_mm_load_sd(reinterpret_cast<const double*>(q))); };
+    auto two = [](const float* q) { return _mm_castsi128_ps(_mm_loadl_epi64(reinterpret_cast<const V*>(q))); };
     bool aligned = (at & 15) == 0;
     if (!aligned && (at & 3) == 0) {
         // 1, 2 or 3 samples to the next 16-byte boundary: two into lanes 0, 1
@@ -114,7 +127,7 @@ RowSum rowSum(const float* p, int n) {
         const int h = 4 - static_cast<int>((at & 15) >> 2);
         if (n >= h) {
             if (h >= 2) a = addF(a, two(p)), p += 2, n -= 2;
-            if (h != 2) b = addF(b, _mm_load_ss(p)), p += 1, n -= 1;
+            if (h != 2) b = addF(b, loadOne(p)), p += 1, n -= 1;
         }
         aligned = true;
     }
@@ -132,7 +145,7 @@ RowSum rowSum(const float* p, int n) {
         for (; n >= 4; p += 4, n -= 4) a = addF(a, _mm_loadu_ps(p));
     }
     if (n >= 2) d = addF(d, two(p)), p += 2, n -= 2;
-    if (n == 1) c = addF(c, _mm_load_ss(p));
+    if (n == 1) c = addF(c, loadOne(p));
     alignas(16) float t[4];
     _mm_store_ps(t, addF(addF(a, b), addF(c, d)));
     return {addF(t[0], t[2]), addF(t[1], t[3])};
@@ -181,15 +194,15 @@ void toneRow(const Form& f, const float* s, uint8_t* d, int width, bool pairs) {
     int x = 0;
     if (pairs) {
         for (; x + 2 <= width; x += 2) {
-            const uint8_t a = f.one(s[x]), b = f.one(s[x + 1]);
+            const uint8_t a = f.one(sampleAt(s, x)), b = f.one(sampleAt(s, x + 1));
             d[x] = a, d[x + 1] = b;
         }
     } else {
         const int head = static_cast<int>((16 - (reinterpret_cast<uintptr_t>(d) & 15)) & 15);
-        for (; x < head && x < width; ++x) d[x] = f.one(s[x]);
+        for (; x < head && x < width; ++x) d[x] = f.one(sampleAt(s, x));
         for (; x + 16 <= width; x += 16) _mm_store_si128(reinterpret_cast<V*>(d + x), f.vec(s + x));
     }
-    for (; x < width; ++x) d[x] = f.one(s[x]);
+    for (; x < width; ++x) d[x] = f.one(sampleAt(s, x));
 }
 
 // Region driver: source rows by the byte step rounded down to whole samples.

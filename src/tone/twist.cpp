@@ -74,24 +74,24 @@ KroStatus twistIP(T* const* pSrcDst, int step, kroiSize roi, const Kro32f* twist
 #define KRO_TWIST(NAME, T)                                                                                          \
     KroStatus impl_##NAME##_C3R(const T* pSrc, int srcStep, T* pDst, int dstStep, kroiSize roiSize,                 \
                                 const Kro32f twist[3][4]) {                                                         \
-        return twistC<T, 3>(pSrc, srcStep, pDst, dstStep, roiSize, &twist[0][0]);                                   \
+        return twistC<T, 3>(pSrc, srcStep, pDst, dstStep, roiSize, reinterpret_cast<const Kro32f*>(twist));                                   \
     }                                                                                                               \
     KroStatus impl_##NAME##_AC4R(const T* pSrc, int srcStep, T* pDst, int dstStep, kroiSize roiSize,                \
                                  const Kro32f twist[3][4]) {                                                        \
-        return twistC<T, 4>(pSrc, srcStep, pDst, dstStep, roiSize, &twist[0][0]);                                   \
+        return twistC<T, 4>(pSrc, srcStep, pDst, dstStep, roiSize, reinterpret_cast<const Kro32f*>(twist));                                   \
     }                                                                                                               \
     KroStatus impl_##NAME##_C3IR(T* pSrcDst, int srcDstStep, kroiSize roiSize, const Kro32f twist[3][4]) {          \
-        return twistC<T, 3>(pSrcDst, srcDstStep, pSrcDst, srcDstStep, roiSize, &twist[0][0]);                       \
+        return twistC<T, 3>(pSrcDst, srcDstStep, pSrcDst, srcDstStep, roiSize, reinterpret_cast<const Kro32f*>(twist));                       \
     }                                                                                                               \
     KroStatus impl_##NAME##_AC4IR(T* pSrcDst, int srcDstStep, kroiSize roiSize, const Kro32f twist[3][4]) {         \
-        return twistC<T, 4>(pSrcDst, srcDstStep, pSrcDst, srcDstStep, roiSize, &twist[0][0]);                       \
+        return twistC<T, 4>(pSrcDst, srcDstStep, pSrcDst, srcDstStep, roiSize, reinterpret_cast<const Kro32f*>(twist));                       \
     }                                                                                                               \
     KroStatus impl_##NAME##_P3R(const T* const pSrc[3], int srcStep, T* const pDst[3], int dstStep, kroiSize roiSize, \
                                 const Kro32f twist[3][4]) {                                                         \
-        return twistP<T>(pSrc, srcStep, pDst, dstStep, roiSize, &twist[0][0]);                                      \
+        return twistP<T>(pSrc, srcStep, pDst, dstStep, roiSize, reinterpret_cast<const Kro32f*>(twist));                                      \
     }                                                                                                               \
     KroStatus impl_##NAME##_IP3R(T* const pSrcDst[3], int srcDstStep, kroiSize roiSize, const Kro32f twist[3][4]) { \
-        return twistIP<T>(pSrcDst, srcDstStep, roiSize, &twist[0][0]);                                              \
+        return twistIP<T>(pSrcDst, srcDstStep, roiSize, reinterpret_cast<const Kro32f*>(twist));                                              \
     }
 
 KRO_TWIST(kroiColorTwist32f_8u, Kro8u)
@@ -105,7 +105,7 @@ KroStatus impl_kroiColorTwist_32f_C4R(const Kro32f* pSrc, int srcStep, Kro32f* p
     if (anyNull(pSrc, pDst, twist)) return kroStatusNullPointer;
     if (badSize(roiSize)) return kroStatusBadSize;
     if (badStep(srcStep, dstStep)) return kroStatusBadStep;
-    const Linear4 form(&twist[0][0]);
+    const Linear4 form(reinterpret_cast<const Kro32f*>(twist));
     const kroiSize roi = folded(roiSize, srcStep, dstStep, 16);
     for (int y = 0; y < roi.height; ++y) linear4Row(form, atByte(pSrc, y, srcStep), atByte(pDst, y, dstStep), roi.width);
     return kroStatusOk;
