@@ -467,8 +467,21 @@ KroStatus kroiYUV422ToRGB_8u_P3(const Kro8u* const pSrc[3], Kro8u* const pDst[3]
 /* ------------------------------------------------------------ filtered and interlaced chroma */
 
 /* ------------------------------------------------------------ 10-bit packed video and gamma-encoded 4:2:2 */
+/* 10-bit packed 4:2:2 (groups of 6 pixels in 4 words) to one 16-bit 5-6-5 sample a pixel, or to the
+ * 10-bit luma. srcStep counts 32-bit words and dstStep 16-bit samples. */
+KroStatus kroiYUV422v210ToRGB_709HDTV_32u16u_C3(const Kro32u* pSrc, int srcStep, Kro16u* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiYUV422v210ToBGR_709HDTV_32u16u_C3(const Kro32u* pSrc, int srcStep, Kro16u* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiYUV422v210ToGray_709HDTV_32u16u_C3C1(const Kro32u* pSrc, int srcStep, Kro16u* pDst, int dstStep, kroiSize roiSize);
+/* RGB through the forward BT.709 transfer curve to packed CbYCr 4:2:2 with a 1/4 1/2 1/4 chroma filter. */
+KroStatus kroiRGBToCbYCr422Gamma_8u_C3C2R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
 
 /* ------------------------------------------------------------ plane resamplers */
+/* P3 images: luma copied, each chroma plane resampled by averages of two neighbours (doubling) or by
+ * dropping samples (halving). 1620: one chroma sample for 4 x 4 luma samples. */
+KroStatus kroiYCbCr1620To420_8u_P3R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* const pDst[3], const int dstStep[3], kroiSize roiSize);
+KroStatus kroiYCbCr411To420_8u_P3R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* const pDst[3], const int dstStep[3], kroiSize roiSize);
+KroStatus kroiYCbCr420To1620_8u_P3R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* const pDst[3], const int dstStep[3], kroiSize roiSize);
+KroStatus kroiYCbCr420To411_8u_P3R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* const pDst[3], const int dstStep[3], kroiSize roiSize);
 
 /* ------------------------------------------------------------ gamma */
 
@@ -479,6 +492,10 @@ KroStatus kroiYUV422ToRGB_8u_P3(const Kro8u* const pSrc[3], Kro8u* const pDst[3]
 /* ------------------------------------------------------------ bit-depth reduction and dithering */
 
 /* ------------------------------------------------------------ 12-bit packing */
+/* 12-bit samples in 16-bit storage to two samples in three bytes, high bits first, and back.
+ * A row of odd width ends in two bytes for its last sample. Steps in bytes on both sides. */
+KroStatus kroiPack_16u12u_C1R(const Kro16u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiUnpack_12u16u_C1R(const Kro8u* pSrc, int srcStep, Kro16u* pDst, int dstStep, kroiSize roiSize);
 
 /* ------------------------------------------------------------ Bayer demosaicing */
 
