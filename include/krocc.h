@@ -465,6 +465,15 @@ KroStatus kroiYUV422ToRGB_8u_P3(const Kro8u* const pSrc[3], Kro8u* const pDst[3]
 /* ------------------------------------------------------------ repacking between subsampled layouts */
 
 /* ------------------------------------------------------------ filtered and interlaced chroma */
+/* Interlaced frames: chroma handled field by field (rows of one parity together). */
+KroStatus kroiCbYCr422ToYCbCr420_Interlace_8u_C2P3R(const Kro8u* pSrc, int srcStep, Kro8u* const pDst[3], const int dstStep[3], kroiSize roiSize);
+KroStatus kroiYCbCr422To420_Interlace_8u_P3R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* const pDst[3], const int dstStep[3], kroiSize roiSize);
+KroStatus kroiYCbCr420To422_Interlace_8u_P3R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* const pDst[3], const int dstStep[3], kroiSize roiSize);
+KroStatus kroiYCbCr420ToCbYCr422_Interlace_8u_P3C2R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* pDst, int dstStep, kroiSize roiSize);
+/* 4:2:0 to 4:2:2 with a four-tap vertical chroma filter. */
+KroStatus kroiYCbCr420ToYCbCr422_Filter_8u_P3R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* const pDst[3], const int dstStep[3], kroiSize roiSize);
+KroStatus kroiYCrCb420ToYCbCr422_Filter_8u_P3R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* const pDst[3], const int dstStep[3], kroiSize roiSize);
+KroStatus kroiYCbCr420ToYCbCr422_Filter_8u_P2P3R(const Kro8u* pSrcY, int srcYStep, const Kro8u* pSrcCbCr, int srcCbCrStep, Kro8u* const pDst[3], const int dstStep[3], kroiSize roiSize);
 
 /* ------------------------------------------------------------ 10-bit packed video and gamma-encoded 4:2:2 */
 /* 10-bit packed 4:2:2 (groups of 6 pixels in 4 words) to one 16-bit 5-6-5 sample a pixel, or to the
