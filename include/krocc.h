@@ -474,6 +474,8 @@ KroStatus kroiYCbCr420ToCbYCr422_Interlace_8u_P3C2R(const Kro8u* const pSrc[3], 
 KroStatus kroiYCbCr420ToYCbCr422_Filter_8u_P3R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* const pDst[3], const int dstStep[3], kroiSize roiSize);
 KroStatus kroiYCrCb420ToYCbCr422_Filter_8u_P3R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* const pDst[3], const int dstStep[3], kroiSize roiSize);
 KroStatus kroiYCbCr420ToYCbCr422_Filter_8u_P2P3R(const Kro8u* pSrcY, int srcYStep, const Kro8u* pSrcCbCr, int srcCbCrStep, Kro8u* const pDst[3], const int dstStep[3], kroiSize roiSize);
+/* 4:2:0 YCrCb planes to BGRA, chroma interpolated across between pairs; aval fills the fourth sample. */
+KroStatus kroiYCrCb420ToBGR_Filter_8u_P3C4R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* pDst, int dstStep, kroiSize roiSize, Kro8u aval);
 
 /* ------------------------------------------------------------ 10-bit packed video and gamma-encoded 4:2:2 */
 /* 10-bit packed 4:2:2 (groups of 6 pixels in 4 words) to one 16-bit 5-6-5 sample a pixel, or to the

@@ -2,6 +2,7 @@
 // destination chroma row as a function of the source chroma rows.
 #pragma once
 
+#include <cmath>
 #include <functional>
 
 namespace ref {
@@ -38,6 +39,27 @@ inline int fourTap(const ChromaRow& S, int rows, int d, int i) {
     const int v = 9 * s(k) + 9 * s(k + 1) - s(k - 1) - s(k + 2) + 8;
     const int q = v >= 0 ? v / 16 : -((-v + 15) / 16);  // floor
     return q < 0 ? 0 : (q > 255 ? 255 : q);
+}
+
+// 4:2:0 to BGRA with chroma interpolated across: pixel x of a row with n
+// chroma samples; main = the column lies below (W - 1) AND NOT 15.
+inline void bgrFilterPixel(int Y, const int* cb, const int* cr, int n, int x, bool main, int out[3]) {
+    const int i = x / 2, j = x % 2 ? (i + 1 < n ? i + 1 : n - 1) : i;
+    const int y = Y - 16, u = (cb[i] + cb[j] + 1) / 2 - 128, v = (cr[i] + cr[j] + 1) / 2 - 128;
+    auto clamp = [](int t) { return t < 0 ? 0 : (t > 255 ? 255 : t); };
+    auto hi = [](int a, int k) { return int(std::floor(double(a) * k / 65536.0)); };
+    auto sar3 = [](int t) { return int(std::floor(t / 8.0)); };
+    auto sar12 = [](int t) { return int(std::floor(t / 4096.0)); };
+    if (main) {
+        const int T = hi(y * 128, 4769);
+        out[2] = clamp(sar3(T + hi(v * 128, 6537)));
+        out[1] = clamp(sar3(T - (hi(u * 128, 1605) + hi(v * 128, 3330))));
+        out[0] = clamp(sar3(T + hi(u * 128, 8263)));
+    } else {
+        out[2] = clamp(sar12(4769 * y + 6537 * v));
+        out[1] = clamp(sar12(4769 * y - 1605 * u - 3330 * v));
+        out[0] = clamp(sar12(4769 * y + 8263 * u));
+    }
 }
 
 }  // namespace ref

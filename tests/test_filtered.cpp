@@ -4,6 +4,7 @@
 // cases; the check order.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 
 #include "harness.h"
@@ -218,6 +219,51 @@ TEST(Filtered, CheckOrder) {
                 for (int i = 4 * 256; i < 8 * 256; ++i) ASSERT_EQ(mem[i], 9) << o.name;
         }
     }
+}
+
+// 4:2:0 (YCrCb planes) to BGRA with chroma interpolated across rows' pairs.
+TEST(FilteredBGR, EveryWidthAgainstReference) {
+    for (int W : sweepWidths(16))
+        for (int H : {1, 2, 3, 6})
+            for (Guard g : {Guard::After, Guard::Before}) {
+                const int n = W / 2, pad = W % 4 + 1;
+                Plane y(W, H, pad, g), cr(std::max(n, 1), std::max(H / 2, 1), pad + 1, g),
+                    cb(std::max(n, 1), std::max(H / 2, 1), pad + 2, g), d(4 * W, H, pad + 3, g);
+                auto expect = d.snapshot();
+                const int span = (W - 1) & ~15;
+                for (int r = 0; r < H / 2 * 2; ++r) {
+                    std::vector<int> vb(size_t(n) + 1), vr(size_t(n) + 1);
+                    for (int i = 0; i < n; ++i) vb[size_t(i)] = cb.row(r / 2)[i], vr[size_t(i)] = cr.row(r / 2)[i];
+                    for (int x = 0; x < 2 * n; ++x) {
+                        int o[3];
+                        ref::bgrFilterPixel(y.row(r)[x], vb.data(), vr.data(), n, x, x < span, o);
+                        uint8_t* e = d.rowIn(expect, r) + 4 * x;
+                        e[0] = uint8_t(o[0]), e[1] = uint8_t(o[1]), e[2] = uint8_t(o[2]), e[3] = 0xA5;
+                    }
+                }
+                const Kro8u* s3[3] = {y.origin(), cr.origin(), cb.origin()};
+                const int ss[3] = {y.step, cr.step, cb.step};
+                const KroStatus want = (W % 2 || H % 2) ? kroStatusOddSize : kroStatusOk;
+                ASSERT_EQ(kroiYCrCb420ToBGR_Filter_8u_P3C4R(s3, ss, d.origin(), d.step, {W, H}, 0xA5), want);
+                EXPECT_EQ(diffPlane(d, expect, 4), "") << W << "x" << H;
+            }
+}
+
+// Check order: null (with the step array), size, then plane elements.
+TEST(FilteredBGR, CheckOrder) {
+    uint8_t y[64] = {}, c[16] = {}, d[256];
+    const Kro8u* s3[3] = {y, c, c};
+    const Kro8u* sNull[3] = {y, nullptr, c};
+    const int st[3] = {4, 2, 2};
+    EXPECT_EQ(kroiYCrCb420ToBGR_Filter_8u_P3C4R(nullptr, st, d, 16, {0, 0}, 0), kroStatusNullPointer);
+    EXPECT_EQ(kroiYCrCb420ToBGR_Filter_8u_P3C4R(s3, nullptr, d, 16, {0, 0}, 0), kroStatusNullPointer);
+    EXPECT_EQ(kroiYCrCb420ToBGR_Filter_8u_P3C4R(s3, st, nullptr, 16, {0, 0}, 0), kroStatusNullPointer);
+    EXPECT_EQ(kroiYCrCb420ToBGR_Filter_8u_P3C4R(sNull, st, d, 16, {0, 2}, 0), kroStatusBadSize);
+    EXPECT_EQ(kroiYCrCb420ToBGR_Filter_8u_P3C4R(sNull, st, d, 16, {4, 2}, 0), kroStatusNullPointer);
+    EXPECT_EQ(kroiYCrCb420ToBGR_Filter_8u_P3C4R(s3, st, d, 16, {4, 0}, 0), kroStatusBadSize);
+    std::memset(d, 7, sizeof d);
+    EXPECT_EQ(kroiYCrCb420ToBGR_Filter_8u_P3C4R(s3, st, d, 16, {1, 1}, 0), kroStatusOddSize);
+    for (uint8_t v : d) EXPECT_EQ(v, 7);  // no whole pair: nothing written
 }
 
 }  // namespace

@@ -337,3 +337,93 @@ KroStatus impl_kroiYCbCr420ToYCbCr422_Filter_8u_P2P3R(const Kro8u* pSrcY, int sr
     fourTapUp(SrcPairs{pSrcCbCr, srcCbCrStep}, DstPlanes{pDst[1], pDst[2], dstStep[1], dstStep[2]}, h, w / 2);
     return kroStatusOk;
 }
+
+// ------------------------------------------------------------ 4:2:0 to BGRA with horizontal chroma interpolation
+// Rows 2r and 2r + 1 take chroma row r as it stands; the even pixel 2i takes
+// chroma sample i, the odd pixel the average (rounding up) of samples i and
+// i + 1, i + 1 limited to the row's last sample. y = Y - 16, u = Cb - 128,
+// v = Cr - 128. Columns below (W - 1) AND NOT 15 take the main form, in 16-bit
+// lanes without a rounding constant; later columns the tail form, in 12
+// fraction bits.
+namespace {
+
+// main form: 16-bit lanes, samples shifted left by 7, products floored, >> 3
+inline void bgrMain(V y, V u, V v, V& r, V& g, V& b) {
+    y = _mm_slli_epi16(_mm_sub_epi16(y, _mm_set1_epi16(16)), 7);
+    u = _mm_slli_epi16(_mm_sub_epi16(u, _mm_set1_epi16(128)), 7);
+    v = _mm_slli_epi16(_mm_sub_epi16(v, _mm_set1_epi16(128)), 7);
+    const V t = mulHighS16(y, splat16(4769));
+    r = _mm_srai_epi16(_mm_add_epi16(t, mulHighS16(v, splat16(6537))), 3);
+    g = _mm_srai_epi16(_mm_sub_epi16(t, _mm_add_epi16(mulHighS16(u, splat16(1605)), mulHighS16(v, splat16(3330)))), 3);
+    b = _mm_srai_epi16(_mm_add_epi16(t, mulHighS16(u, splat16(8263))), 3);
+}
+// tail form: plain samples, 12 fraction bits
+inline void bgrTail(int Y, int Cb, int Cr, int& r, int& g, int& b) {
+    const int y = Y - 16, u = Cb - 128, v = Cr - 128;
+    r = clampU8((4769 * y + 6537 * v) >> 12);
+    g = clampU8((4769 * y - 1605 * u - 3330 * v) >> 12);
+    b = clampU8((4769 * y + 8263 * u) >> 12);
+}
+
+// Per-pixel chroma of 16 pixels from samples i .. i + 8 (the ninth limited to
+// the last of n): c0, avg(c0, c1), c1, avg(c1, c2) ...
+inline V chroma16(const Kro8u* c, int i, int n) {
+    const V here = _mm_loadl_epi64(reinterpret_cast<const V*>(c + i));
+    V next;
+    if (i + 8 <= n - 1) {
+        next = _mm_loadl_epi64(reinterpret_cast<const V*>(c + i + 1));
+    } else {
+        alignas(16) Kro8u t[16] = {};
+        for (int k = 0; k < 8; ++k) t[k] = c[i + k + 1 < n ? i + k + 1 : n - 1];
+        next = _mm_load_si128(reinterpret_cast<const V*>(t));
+    }
+    return _mm_unpacklo_epi8(here, _mm_avg_epu8(here, next));
+}
+
+void bgrFilterRow(const Kro8u* y, const Kro8u* cb, const Kro8u* cr, Kro8u* d, int width, int span, Kro8u aval) {
+    const int n = width / 2, used = 2 * n;
+    const V a = _mm_set1_epi8(char(aval));
+    int x = 0;
+    for (; x + 16 <= span; x += 16) {
+        const V yy = _mm_loadu_si128(reinterpret_cast<const V*>(y + x));
+        const V uu = chroma16(cb, x / 2, n), vv = chroma16(cr, x / 2, n);
+        V r[2], g[2], b[2];
+        bgrMain(widenLo(yy), widenLo(uu), widenLo(vv), r[0], g[0], b[0]);
+        bgrMain(widenHi(yy), widenHi(uu), widenHi(vv), r[1], g[1], b[1]);
+        const V B = clampU8(b[0], b[1]), G = clampU8(g[0], g[1]), R = clampU8(r[0], r[1]);
+        const V bgLo = _mm_unpacklo_epi8(B, G), bgHi = _mm_unpackhi_epi8(B, G);
+        const V raLo = _mm_unpacklo_epi8(R, a), raHi = _mm_unpackhi_epi8(R, a);
+        V* o = reinterpret_cast<V*>(d + 4 * x);
+        _mm_storeu_si128(o, _mm_unpacklo_epi16(bgLo, raLo));
+        _mm_storeu_si128(o + 1, _mm_unpackhi_epi16(bgLo, raLo));
+        _mm_storeu_si128(o + 2, _mm_unpacklo_epi16(bgHi, raHi));
+        _mm_storeu_si128(o + 3, _mm_unpackhi_epi16(bgHi, raHi));
+    }
+    for (; x < used; ++x) {
+        const int i = x / 2, j = (x & 1) ? (i + 1 < n ? i + 1 : n - 1) : i;
+        int r, g, b;
+        bgrTail(y[x], (cb[i] + cb[j] + 1) >> 1, (cr[i] + cr[j] + 1) >> 1, r, g, b);
+        d[4 * x] = Kro8u(b);
+        d[4 * x + 1] = Kro8u(g);
+        d[4 * x + 2] = Kro8u(r);
+        d[4 * x + 3] = aval;
+    }
+}
+
+}  // namespace
+
+KroStatus impl_kroiYCrCb420ToBGR_Filter_8u_P3C4R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* pDst,
+                                                 int dstStep, kroiSize roiSize, Kro8u aval) {
+    if (anyNull(pSrc, srcStep, pDst)) return kroStatusNullPointer;
+    if (badSize(roiSize)) return kroStatusBadSize;
+    if (anyPlaneNull(pSrc, 3)) return kroStatusNullPointer;
+    const int span = (roiSize.width - 1) & ~15;
+    // element 1 is the Cr plane, element 2 the Cb plane
+    const int cbP = kYCrCb420P3.cbPlane, crP = kYCrCb420P3.crPlane;
+    for (int r = 0; r < roiSize.height / 2; ++r)
+        for (int k = 0; k < 2; ++k)
+            bgrFilterRow(rowOf(pSrc[0], srcStep[0], 2 * r + k), rowOf(pSrc[cbP], srcStep[cbP], r),
+                         rowOf(pSrc[crP], srcStep[crP], r), rowOf(pDst, dstStep, 2 * r + k), roiSize.width, span,
+                         aval);
+    return oddStatus(k420, roiSize);
+}
