@@ -651,10 +651,34 @@ KroStatus kroiYCrCb422ToYCbCr420_8u_C2P3R(const Kro8u* pSrc, int srcStep, Kro8u*
 KroStatus kroiYCrCb422ToYCbCr422_8u_C2P3R(const Kro8u* pSrc, int srcStep, Kro8u* const pDst[3], const int dstStep[3], kroiSize roiSize);
 
 /* ------------------------------------------------------------ filtered and interlaced chroma */
+/* Interlaced frames: chroma handled field by field (rows of one parity together). */
+KroStatus kroiCbYCr422ToYCbCr420_Interlace_8u_C2P3R(const Kro8u* pSrc, int srcStep, Kro8u* const pDst[3], const int dstStep[3], kroiSize roiSize);
+KroStatus kroiYCbCr422To420_Interlace_8u_P3R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* const pDst[3], const int dstStep[3], kroiSize roiSize);
+KroStatus kroiYCbCr420To422_Interlace_8u_P3R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* const pDst[3], const int dstStep[3], kroiSize roiSize);
+KroStatus kroiYCbCr420ToCbYCr422_Interlace_8u_P3C2R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* pDst, int dstStep, kroiSize roiSize);
+/* 4:2:0 to 4:2:2 with a four-tap vertical chroma filter. */
+KroStatus kroiYCbCr420ToYCbCr422_Filter_8u_P3R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* const pDst[3], const int dstStep[3], kroiSize roiSize);
+KroStatus kroiYCrCb420ToYCbCr422_Filter_8u_P3R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* const pDst[3], const int dstStep[3], kroiSize roiSize);
+KroStatus kroiYCbCr420ToYCbCr422_Filter_8u_P2P3R(const Kro8u* pSrcY, int srcYStep, const Kro8u* pSrcCbCr, int srcCbCrStep, Kro8u* const pDst[3], const int dstStep[3], kroiSize roiSize);
+/* 4:2:0 YCrCb planes to BGRA, chroma interpolated across between pairs; aval fills the fourth sample. */
+KroStatus kroiYCrCb420ToBGR_Filter_8u_P3C4R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* pDst, int dstStep, kroiSize roiSize, Kro8u aval);
 
 /* ------------------------------------------------------------ 10-bit packed video and gamma-encoded 4:2:2 */
+/* 10-bit packed 4:2:2 (groups of 6 pixels in 4 words) to one 16-bit 5-6-5 sample a pixel, or to the
+ * 10-bit luma. srcStep counts 32-bit words and dstStep 16-bit samples. */
+KroStatus kroiYUV422v210ToRGB_709HDTV_32u16u_C3(const Kro32u* pSrc, int srcStep, Kro16u* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiYUV422v210ToBGR_709HDTV_32u16u_C3(const Kro32u* pSrc, int srcStep, Kro16u* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiYUV422v210ToGray_709HDTV_32u16u_C3C1(const Kro32u* pSrc, int srcStep, Kro16u* pDst, int dstStep, kroiSize roiSize);
+/* RGB through the forward BT.709 transfer curve to packed CbYCr 4:2:2 with a 1/4 1/2 1/4 chroma filter. */
+KroStatus kroiRGBToCbYCr422Gamma_8u_C3C2R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
 
 /* ------------------------------------------------------------ plane resamplers */
+/* P3 images: luma copied, each chroma plane resampled by averages of two neighbours (doubling) or by
+ * dropping samples (halving). 1620: one chroma sample for 4 x 4 luma samples. */
+KroStatus kroiYCbCr1620To420_8u_P3R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* const pDst[3], const int dstStep[3], kroiSize roiSize);
+KroStatus kroiYCbCr411To420_8u_P3R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* const pDst[3], const int dstStep[3], kroiSize roiSize);
+KroStatus kroiYCbCr420To1620_8u_P3R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* const pDst[3], const int dstStep[3], kroiSize roiSize);
+KroStatus kroiYCbCr420To411_8u_P3R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* const pDst[3], const int dstStep[3], kroiSize roiSize);
 
 /* ------------------------------------------------------------ gamma */
 
@@ -826,6 +850,10 @@ KroStatus kroiReduceBits_8u1u_C1R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, i
     kroiSize roiSize, int reserved1, int reserved2, KroDitherType ditherType, Kro8u threshold, Kro8u* pBuffer);
 
 /* ------------------------------------------------------------ 12-bit packing */
+/* 12-bit samples in 16-bit storage to two samples in three bytes, high bits first, and back.
+ * A row of odd width ends in two bytes for its last sample. Steps in bytes on both sides. */
+KroStatus kroiPack_16u12u_C1R(const Kro16u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiUnpack_12u16u_C1R(const Kro8u* pSrc, int srcStep, Kro16u* pDst, int dstStep, kroiSize roiSize);
 
 /* ------------------------------------------------------------ Bayer demosaicing */
 /* The raw operations address the source by the image's top left sample and take

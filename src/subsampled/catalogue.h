@@ -68,6 +68,34 @@ inline constexpr SemiPlanar kYCbCr411P2{k411, 0, 1};
 // Bytes of a chroma-pair row: two per block across.
 constexpr int pairRowBytes(Block b, int width) { return 2 * chromaWidth(b, width); }
 
+// ------------------------------------------------------------ 10-bit packed 4:2:2 (v210)
+// Four 32-bit words hold a group of 6 pixels in 10-bit fields at bits 0, 10
+// and 20 (bits 30 and 31 unused):
+//   word 0: Cb0 Y0 Cr0   word 1: Y1 Cb1 Y2   word 2: Cr1 Y3 Cb2   word 3: Y4 Cr2 Y5
+// Pixel x of a group takes luma Yx and chroma pair x / 2.
+struct V210Field {
+    int word, shift;
+};
+inline constexpr int kV210GroupPixels = 6;
+inline constexpr int kV210GroupWords = 4;
+inline constexpr V210Field kV210Y[6] = {{0, 10}, {1, 0}, {1, 20}, {2, 10}, {3, 0}, {3, 20}};
+inline constexpr V210Field kV210Cb[3] = {{0, 0}, {1, 10}, {2, 20}};
+inline constexpr V210Field kV210Cr[3] = {{0, 20}, {2, 0}, {3, 10}};
+constexpr unsigned v210Field(const Kro32u* group, V210Field f) { return (group[f.word] >> f.shift) & 0x3FFu; }
+// Words of a group that the first `pixels` pixels reach: their luma, and with
+// `chroma` their pairs' Cb and Cr.
+constexpr int v210WordsFor(int pixels, bool chroma) {
+    int last = 0;
+    for (int x = 0; x < pixels; ++x) {
+        last = kV210Y[x].word > last ? kV210Y[x].word : last;
+        if (chroma) {
+            last = kV210Cb[x / 2].word > last ? kV210Cb[x / 2].word : last;
+            last = kV210Cr[x / 2].word > last ? kV210Cr[x / 2].word : last;
+        }
+    }
+    return pixels > 0 ? last + 1 : 0;
+}
+
 // ------------------------------------------------------------ forms without steps
 // Rows lie packed one after the other: luma and full-resolution planes step by
 // the width, an interleaved three-sample side by 3 x width, chroma planes by
