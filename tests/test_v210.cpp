@@ -19,6 +19,10 @@ namespace {
 #define KROCC_FULL_SWEEPS 0
 #endif
 
+// The three 10-bit decoders are held back from the export list until a
+// sanitizer-only over-read at narrow widths is understood; their tests come
+// back with them.
+#if KROCC_V210_DECODERS
 enum class Out { Rgb, Bgr, Gray };
 
 KroStatus call(Out o, const Kro32u* s, int ss, Kro16u* d, int ds, kroiSize r) {
@@ -195,6 +199,8 @@ TEST(V210, ColourConstantsBitPatterns) {
 }
 
 // ------------------------------------------------------------ gamma-encoded CbYCr 4:2:2
+#endif  // KROCC_V210_DECODERS
+
 TEST(Gamma422, CurveTable) {
     for (int c = 0; c < 256; ++c) EXPECT_EQ(kro::v210::kGamma.t[c], ref::gammaT(c)) << c;
     // no entry of the power branch lies near a half, so the table is the rule's

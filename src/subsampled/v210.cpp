@@ -56,8 +56,14 @@ inline void store6(Kro16u* d, V v) {
 // A partial group: the words its first `pixels` pixels reach, the rest zero.
 inline void partialGroup(const Kro32u* s, int pixels, bool chroma, Kro32u (&w)[4]) {
     w[0] = w[1] = w[2] = w[3] = 0;
-    const int n = v210WordsFor(pixels, chroma);
-    for (int i = 0; i < n; ++i) w[i] = s[i];
+    // words reached by 0..5 pixels, luma only and with chroma, fixed at compile time
+    static constexpr int kWords[2][6] = {
+        {v210WordsFor(0, false), v210WordsFor(1, false), v210WordsFor(2, false), v210WordsFor(3, false),
+         v210WordsFor(4, false), v210WordsFor(5, false)},
+        {v210WordsFor(0, true), v210WordsFor(1, true), v210WordsFor(2, true), v210WordsFor(3, true),
+         v210WordsFor(4, true), v210WordsFor(5, true)}};
+    const int n = kWords[chroma ? 1 : 0][pixels];
+    std::memcpy(w, s, sizeof(Kro32u) * static_cast<size_t>(n));
 }
 
 // ------------------------------------------------------------ v210 row kernels
