@@ -1,5 +1,5 @@
 // Table-driven checks of the subsampled encoders: every operation is one row
-// (source layout, destination layout, the reference's EncSpec, check order,
+// (source layout, destination layout, the reference's EncDesc, check order,
 // smallest region) and one driver sweeps widths, heights, plane steps and
 // guards against the reference for all of them.
 #pragma once
@@ -30,7 +30,7 @@ struct EncOp {
     SrcL src;
     bool bgr;
     ref::OutLayout out;
-    ref::EncSpec spec;
+    ref::EncDesc desc;
     Checks checks;
     int minW, minH;
     EncCall call;
@@ -42,7 +42,7 @@ inline int srcBpp(SrcL s) { return s == SrcL::C3 ? 3 : s == SrcL::AC4 ? 4 : 1; }
 // Row bytes and rows of each destination plane for a W x H region: exactly what
 // the operation may write, so the guard follows its last byte.
 inline std::vector<std::pair<int, int>> dstShape(const EncOp& op, int W, int H) {
-    const auto& s = op.spec;
+    const auto& s = op.desc;
     const int rows = std::max(1, H / s.bh);
     switch (op.out.kind) {
         case ref::Out::C2: return {{2 * W, H}};
@@ -102,7 +102,7 @@ inline KroStatus callOn(const EncOp& op, EncImages& im, kroiSize roi) {
 }
 
 inline KroStatus expectedStatus(const EncOp& op, int W, int H) {
-    const bool warn = op.spec.bh == 2 ? (W % 2 || H % 2) : op.spec.bw == 4 ? (W % 4 != 0) : false;
+    const bool warn = op.desc.bh == 2 ? (W % 2 || H % 2) : op.desc.bw == 4 ? (W % 4 != 0) : false;
     return warn ? kroStatusOddSize : kroStatusOk;
 }
 
@@ -115,7 +115,7 @@ inline std::string runEncode(const EncOp& op, int W, int H, int pad, Guard g, bo
         want.push_back(p.snapshot());
         d.planes.push_back(p.rowIn(want.back(), 0));
     }
-    ref::refEncode(op.spec, refSource(op, im.src), d, W, H);
+    ref::refEncode(op.desc, refSource(op, im.src), d, W, H);
     std::vector<std::vector<uint8_t>> srcBefore;
     for (auto& p : im.src) srcBefore.push_back(p.snapshot());
     const KroStatus st = callOn(op, im, {W, H});

@@ -2,7 +2,7 @@
 // arithmetic: 64-bit integers, explicit floors, 16-bit wrap where a form says
 // "keeping the low 16 bits"; no code shared with the library.
 //
-// An encoder is described by a table row (EncSpec): block shape, span rule,
+// An encoder is described by a table row (EncDesc): block shape, span rule,
 // forms of the main span and of the tail, odd-column rule. refEncode turns a
 // source image into the expected destination planes from that row alone.
 #pragma once
@@ -185,7 +185,7 @@ inline int span(Span s, int W) {
 enum class Odd { None, E1, E2, E3, E4, E5, LumaL5 };
 enum class Out { P3, P2, C2 };
 
-struct EncSpec {
+struct EncDesc {
     int bw, bh;
     Span span;
     int mainY;
@@ -286,7 +286,7 @@ inline void filterRow(const Image& src, const Dest& d, int W, int row) {
 }
 
 // Every written sample of a W x H region.
-inline void refEncode(const EncSpec& s, const Image& src, const Dest& d, int W, int H) {
+inline void refEncode(const EncDesc& s, const Image& src, const Dest& d, int W, int H) {
     const int passes = H / s.bh;
     const int S = span(s.span, W);
     for (int j = 0; j < passes; ++j) {

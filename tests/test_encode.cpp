@@ -10,7 +10,7 @@
 
 using namespace kt;
 using ref::Chroma;
-using ref::EncSpec;
+using ref::EncDesc;
 using ref::Odd;
 using ref::Out;
 using ref::OutLayout;
@@ -52,27 +52,27 @@ const OutLayout P3cb{Out::P3, 1, 2}, P3cr{Out::P3, 2, 1}, P2cb{Out::P2, 0, 1};
 const OutLayout C2ycbcr{Out::C2, 1, 3, 0, 2}, C2cbycr{Out::C2, 0, 2, 1, 3}, C2ycrcb{Out::C2, 3, 1, 0, 2};
 
 // ------------------------------------------------------------ the forms of each encoder
-const EncSpec k420L1{2, 2, Span::S8, 1, {1, 8194}, 5, 5, {4, 33587200}, Odd::None};
-const EncSpec k420L2{2, 2, Span::S8, 2, {1, 8194}, 5, 5, {4, 33587200}, Odd::None};
-const EncSpec k420S4{2, 2, Span::S4, 4, {3}, 5, 5, {4, 33587200}, Odd::None};
-const EncSpec k420Csc8{2, 2, Span::S8, 7, {6}, 8, 8, {7}, Odd::None};
-const EncSpec k420CscH{2, 2, Span::SH, 7, {6}, 8, 8, {7}, Odd::None};
-const EncSpec k420Hdtv{2, 2, Span::SH, 9, {8}, 10, 10, {9, 33587200}, Odd::None};
-const EncSpec k420YuvAc4{2, 2, Span::S16, 13, {12}, 15, 15, {14, 131071}, Odd::None};
-const EncSpec k420YuvC3{2, 2, Span::S8, 11, {10}, 12, 12, {11}, Odd::None};
-const EncSpec k420YuvP3{2, 2, Span::None, 0, {0}, 15, 15, {14, 131071}, Odd::None};
-const EncSpec k422Bgr{2, 1, Span::S8, 1, {1, 8224}, 5, 5, {4, 16793600}, Odd::None};
-const EncSpec k422Rgb{2, 1, Span::S8, 1, {1, 8224}, 5, 6, {4, 16842752}, Odd::None};
-const EncSpec k422CbYCr{2, 1, Span::S8, 4, {5}, 5, 5, {4, 16842752, 16842750}, Odd::E1};
-const EncSpec k422HdtvAc4{2, 1, Span::S8, 9, {13}, 10, 10, {9, 16842752, 16842750}, Odd::E2};
-const EncSpec k422HdtvC3{2, 1, Span::SX, 9, {8}, 10, 10, {9, 16842752, 16842750}, Odd::E2};
-const EncSpec k422Filter{2, 1, Span::S8, 1, {0}, 5, 5, {0}, Odd::E1, true};
-const EncSpec k422YuvC2{2, 1, Span::S16, 17, {15, 1}, 16, 16, {14, 32768}, Odd::E3};
-const EncSpec k422YuvC3P3{2, 1, Span::S16, 18, {15, 0}, 15, 15, {14, 65535}, Odd::E4};
-const EncSpec k422YuvC3P3Aligned{2, 1, Span::S16, 11, {10}, 18, 18, {15, 0}, Odd::E4};
-const EncSpec k422YuvP3{2, 1, Span::S16, 14, {16}, 15, 15, {14, 65535}, Odd::E5};
-const EncSpec k411Ac4{4, 1, Span::S16, 4, {3}, 5, 5, {4, 33587200}, Odd::LumaL5};
-const EncSpec k411C3{4, 1, Span::S16, 3, {2}, 5, 5, {4, 33587200}, Odd::None};
+const EncDesc k420L1{2, 2, Span::S8, 1, {1, 8194}, 5, 5, {4, 33587200}, Odd::None};
+const EncDesc k420L2{2, 2, Span::S8, 2, {1, 8194}, 5, 5, {4, 33587200}, Odd::None};
+const EncDesc k420S4{2, 2, Span::S4, 4, {3}, 5, 5, {4, 33587200}, Odd::None};
+const EncDesc k420Csc8{2, 2, Span::S8, 7, {6}, 8, 8, {7}, Odd::None};
+const EncDesc k420CscH{2, 2, Span::SH, 7, {6}, 8, 8, {7}, Odd::None};
+const EncDesc k420Hdtv{2, 2, Span::SH, 9, {8}, 10, 10, {9, 33587200}, Odd::None};
+const EncDesc k420YuvAc4{2, 2, Span::S16, 13, {12}, 15, 15, {14, 131071}, Odd::None};
+const EncDesc k420YuvC3{2, 2, Span::S8, 11, {10}, 12, 12, {11}, Odd::None};
+const EncDesc k420YuvP3{2, 2, Span::None, 0, {0}, 15, 15, {14, 131071}, Odd::None};
+const EncDesc k422Bgr{2, 1, Span::S8, 1, {1, 8224}, 5, 5, {4, 16793600}, Odd::None};
+const EncDesc k422Rgb{2, 1, Span::S8, 1, {1, 8224}, 5, 6, {4, 16842752}, Odd::None};
+const EncDesc k422CbYCr{2, 1, Span::S8, 4, {5}, 5, 5, {4, 16842752, 16842750}, Odd::E1};
+const EncDesc k422HdtvAc4{2, 1, Span::S8, 9, {13}, 10, 10, {9, 16842752, 16842750}, Odd::E2};
+const EncDesc k422HdtvC3{2, 1, Span::SX, 9, {8}, 10, 10, {9, 16842752, 16842750}, Odd::E2};
+const EncDesc k422Filter{2, 1, Span::S8, 1, {0}, 5, 5, {0}, Odd::E1, true};
+const EncDesc k422YuvC2{2, 1, Span::S16, 17, {15, 1}, 16, 16, {14, 32768}, Odd::E3};
+const EncDesc k422YuvC3P3{2, 1, Span::S16, 18, {15, 0}, 15, 15, {14, 65535}, Odd::E4};
+const EncDesc k422YuvC3P3Aligned{2, 1, Span::S16, 11, {10}, 18, 18, {15, 0}, Odd::E4};
+const EncDesc k422YuvP3{2, 1, Span::S16, 14, {16}, 15, 15, {14, 65535}, Odd::E5};
+const EncDesc k411Ac4{4, 1, Span::S16, 4, {3}, 5, 5, {4, 33587200}, Odd::LumaL5};
+const EncDesc k411C3{4, 1, Span::S16, 3, {2}, 5, 5, {4, 33587200}, Odd::None};
 
 constexpr auto DNS = Checks::DeepNullSize;
 constexpr auto NS = Checks::NullSize;
@@ -85,7 +85,7 @@ struct Row {
     SrcL src;
     bool bgr;
     OutLayout out;
-    EncSpec spec;
+    EncDesc desc;
     Checks checks;
     int minW, minH;
     Align align;
@@ -142,7 +142,7 @@ const std::vector<EncOp>& encOps() {
             std::string name = r.name;
             if (r.align == Align::Aligned) name += "_aligned";
             if (r.align == Align::Unaligned) name += "_unaligned";
-            v.push_back({name, r.src, r.bgr, r.out, r.spec, r.checks, r.minW, r.minH, r.call, r.align});
+            v.push_back({name, r.src, r.bgr, r.out, r.desc, r.checks, r.minW, r.minH, r.call, r.align});
         }
         return v;
     }();
@@ -216,8 +216,8 @@ void steplessCase(bool planar, bool is422, int W, int H, Guard g) {
     auto a16 = [](const void* p) { return (reinterpret_cast<uintptr_t>(p) & 15) == 0; };
     const bool aligned = a16(sp[0]) && a16(dp[0]) && a16(dp[1]) && a16(dp[2]) && (3 * W) % 16 == 0 &&
                          W % 16 == 0 && cw % 16 == 0;
-    EncSpec spec = planar ? (is422 ? k422YuvP3 : k420YuvP3) : (is422 ? k422YuvC3P3 : k420YuvC3);
-    if (!planar && is422 && !flat && aligned) spec = k422YuvC3P3Aligned;
+    EncDesc desc = planar ? (is422 ? k422YuvP3 : k420YuvP3) : (is422 ? k422YuvC3P3 : k420YuvC3);
+    if (!planar && is422 && !flat && aligned) desc = k422YuvC3P3Aligned;
 
     ref::Image img;
     for (auto* p : sp)
@@ -227,9 +227,9 @@ void steplessCase(bool planar, bool is422, int W, int H, Guard g) {
     img.bgr = false;
     ref::Dest d{P3cb, {want[0].data(), want[1].data(), want[2].data()}, {W, cw, cw}};
     if (flat)
-        ref::refEncode(spec, img, d, int(n), 1);
+        ref::refEncode(desc, img, d, int(n), 1);
     else
-        ref::refEncode(spec, img, d, W, H);
+        ref::refEncode(desc, img, d, W, H);
 
     const KroStatus st = planar ? (is422 ? kroiRGBToYUV422_8u_P3(sp, dp, {W, H}) : kroiRGBToYUV420_8u_P3(sp, dp, {W, H}))
                                 : (is422 ? kroiRGBToYUV422_8u_C3P3(sp[0], dp, {W, H})
@@ -237,7 +237,7 @@ void steplessCase(bool planar, bool is422, int W, int H, Guard g) {
     const KroStatus wantSt = !is422 && (W % 2 || H % 2) ? kroStatusOddSize : kroStatusOk;
     const std::string what = std::string(planar ? "P3" : "C3P3") + (is422 ? " 4:2:2 " : " 4:2:0 ") +
                              std::to_string(W) + " x " + std::to_string(H) + (flat ? " as one row" : "") +
-                             (spec.mainY == 11 && is422 ? " aligned" : "");
+                             (desc.mainY == 11 && is422 ? " aligned" : "");
     EXPECT_EQ(st, wantSt) << what;
     for (int k = 0; k < 3; ++k)
         ASSERT_TRUE(std::equal(want[k].begin(), want[k].end(), dst[k].data())) << what << " plane " << k;
