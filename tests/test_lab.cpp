@@ -5,6 +5,8 @@
 // float range, the model's known values, and round trips on a photograph.
 #include <gtest/gtest.h>
 
+#include "photo.h"
+
 #include <algorithm>
 #include <cmath>
 #include <functional>
@@ -14,10 +16,6 @@
 #include "harness.h"
 #include "perceptual/lab_forms.h"
 #include "ref_lab.h"
-
-#if KROCC_HAVE_PNG
-#include <png.h>
-#endif
 
 using namespace kt;
 namespace rl = ref::lab;
@@ -484,28 +482,7 @@ TEST(LabKnown, Inverse) {
 }
 
 // ------------------------------------------------------------ round trips
-struct Image {
-    int width = 0, height = 0;
-    std::vector<Kro8u> rgb;
-};
-
-#if KROCC_HAVE_PNG
-Image readPng(const char* path) {
-    Image im;
-    png_image pi{};
-    pi.version = PNG_IMAGE_VERSION;
-    if (!png_image_begin_read_from_file(&pi, path)) return im;
-    pi.format = PNG_FORMAT_RGB;
-    im.rgb.resize(PNG_IMAGE_SIZE(pi));
-    if (!png_image_finish_read(&pi, nullptr, im.rgb.data(), 0, nullptr)) {
-        png_image_free(&pi);
-        return {};
-    }
-    im.width = int(pi.width);
-    im.height = int(pi.height);
-    return im;
-}
-#endif
+using Image = kt::Photo;
 
 // Smooth ramps with a speckle of noise, odd width.
 Image syntheticImage() {
@@ -572,9 +549,8 @@ TEST(LabRoundTrip, SyntheticImage) { checkTrips(roundTrips(syntheticImage()), "s
 
 #if KROCC_HAVE_PNG
 TEST(LabRoundTrip, Photograph) {
-    const std::string path = std::string(KROCC_TEST_DATA) + "/chelsea.png";
-    const Image im = readPng(path.c_str());
-    ASSERT_GT(im.width, 0) << "cannot read " << path;
+    const Image im = kt::readPhoto("chelsea.png");
+    ASSERT_GT(im.width, 0) << "cannot read chelsea.png";
     checkTrips(roundTrips(im), "chelsea.png 451x300");
 }
 #endif
