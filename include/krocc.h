@@ -867,6 +867,12 @@ KroStatus kroiCFAToBGRA_VNG_8u_C1C4R(const Kro8u* pSrc, kroiRect srcRoi, kroiSiz
 KroStatus kroiCFAToBGRA_VNG_16u_C1C4R(const Kro16u* pSrc, kroiRect srcRoi, kroiSize srcSize, int srcStep, const Kro32f* scale, Kro16u* pDst, int dstStep, KroiBayerGrid grid);
 KroStatus kroiCFAToBGRA_VNG_8u_C1C4R_L(const Kro8u* pSrc, kroiRect srcRoi, kroiSizeL srcSize, int srcStep, const Kro32f* scale, Kro8u* pDst, int dstStep, KroiBayerGrid grid);
 KroStatus kroiCFAToBGRA_VNG_16u_C1C4R_L(const Kro16u* pSrc, kroiRect srcRoi, kroiSizeL srcSize, int srcStep, const Kro32f* scale, Kro16u* pDst, int dstStep, KroiBayerGrid grid);
+/* Bayer mosaic to RGB by adaptive homogeneity-directed demosaicing; images from 5 x 5. A negative
+ * srcRoi.x or srcRoi.y becomes 0 with the width and height kept. pBuffer: the caller's work memory,
+ * 30 rows bufferStep bytes apart, each of at least ((width + 1) & ~1) + 6 samples, width being the
+ * region's width after it is cut at the image; its content afterwards means nothing. */
+KroStatus kroiDemosaicAHD_8u_C1C3R(const Kro8u* pSrc, kroiRect srcRoi, kroiSize srcSize, int srcStep, Kro8u* pDst, int dstStep, KroiBayerGrid grid, Kro8u* pBuffer, int bufferStep);
+KroStatus kroiDemosaicAHD_16u_C1C3R(const Kro16u* pSrc, kroiRect srcRoi, kroiSize srcSize, int srcStep, Kro16u* pDst, int dstStep, KroiBayerGrid grid, Kro16u* pBuffer, int bufferStep);
 
 #ifdef __cplusplus
 }
