@@ -234,12 +234,29 @@ struct Ahd {
         for (; c < end; ++c) greenPixel(r, k, c, c + 2 >= W);
     }
 
+    // Ring rows around row k: [direction][k - 1, k, k + 1], and D rows.
+    struct Rows {
+        T *g[2][3], *r[2][3], *b[2][3], *d[3];
+    };
+    Rows rowsAround(int k) const {
+        Rows o;
+        for (int i = 0; i < 3; ++i) {
+            for (int d = 0; d < 2; ++d) {
+                o.g[d][i] = gRing(d, k + i - 1);
+                o.r[d][i] = rRing(d, k + i - 1);
+                o.b[d][i] = bRing(d, k + i - 1);
+            }
+            o.d[i] = dRing(k + i - 1);
+        }
+        return o;
+    }
+
     // ---------------- chroma of both directions, row k, columns [bx0 - 2, bx1 + 2)
-    void chromaPixel(const T* const (&r)[3], int k, int c, bool mirror) const {
+    void chromaPixel(const T* const (&r)[3], const Rows& q, int k, int c, bool mirror) const {
         const int j = c - col0, own = sAt(r[1], c, mirror);
         const bool green = isGreen(grid, c, k), redRow = rowChroma(grid, k) == Red;
         for (int d = 0; d < 2; ++d) {
-            const T *g0 = gRing(d, k - 1), *g1 = gRing(d, k), *g2 = gRing(d, k + 1);
+            const T *g0 = q.g[d][0], *g1 = q.g[d][1], *g2 = q.g[d][2];
             const int g = at(g1, j);
             int rowC, colC;
             if (green) {
@@ -254,11 +271,11 @@ struct Ahd {
             }
             rowC = maxN(minN(rowC, top), 0);
             colC = maxN(minN(colC, top), 0);
-            put(rRing(d, k), j, redRow ? rowC : colC);
-            put(bRing(d, k), j, redRow ? colC : rowC);
+            put(q.r[d][1], j, redRow ? rowC : colC);
+            put(q.b[d][1], j, redRow ? colC : rowC);
         }
     }
-    int chromaVector(const T* const (&r)[3], int k, int c, int end) const {
+    int chromaVector(const T* const (&r)[3], const Rows& q, int k, int c, int end) const {
         if constexpr (sizeof(T) == 1) {
             const bool redRow = rowChroma(grid, k) == Red;
             const int phase = isGreen(grid, 0, k) ? 0 : 1;
@@ -269,15 +286,15 @@ struct Ahd {
                 const L16 own = s(1, 0), sl = s(1, -1), sr = s(1, 1), su = s(0, 0), sd = s(2, 0);
                 const L16 sSum = s(0, -1) + s(0, 1) + s(2, -1) + s(2, 1);
                 for (int d = 0; d < 2; ++d) {
-                    const T *g0 = gRing(d, k - 1), *g1 = gRing(d, k), *g2 = gRing(d, k + 1);
+                    const T *g0 = q.g[d][0], *g1 = q.g[d][1], *g2 = q.g[d][2];
                     auto g = [&](const T* row, int dj) { return L16::load(row + j + dj); };
                     const L16 gc = g(g1, 0);
                     const L16 rowC = select(green, chromaPair(gc, sl, g(g1, -1), sr, g(g1, 1)), own);
                     const L16 colC = select(green, chromaPair(gc, su, g(g0, 0), sd, g(g2, 0)),
                                             chromaDiag(gc, sSum, g(g0, -1) + g(g0, 1) + g(g2, -1) + g(g2, 1)));
-                    _mm_storel_epi64(reinterpret_cast<V*>(rRing(d, k) + j),
+                    _mm_storel_epi64(reinterpret_cast<V*>(q.r[d][1] + j),
                                      _mm_packus_epi16((redRow ? rowC : colC).v, _mm_setzero_si128()));
-                    _mm_storel_epi64(reinterpret_cast<V*>(bRing(d, k) + j),
+                    _mm_storel_epi64(reinterpret_cast<V*>(q.b[d][1] + j),
                                      _mm_packus_epi16((redRow ? colC : rowC).v, _mm_setzero_si128()));
                 }
             }
@@ -287,55 +304,77 @@ struct Ahd {
     void chromaRow(int k) const {
         const T* r[3];
         for (int d = 0; d < 3; ++d) r[d] = srow(reflect(k + d - 1, H));
+        const Rows q = rowsAround(k);
         const int end = bx1 + 2;
         int c = bx0 - 2;
-        for (; c < end && c < 1; ++c) chromaPixel(r, k, c, true);
-        c = chromaVector(r, k, c, end);
-        for (; c < end; ++c) chromaPixel(r, k, c, c + 1 >= W);
+        for (; c < end && c < 1; ++c) chromaPixel(r, q, k, c, true);
+        c = chromaVector(r, q, k, c, end);
+        for (; c < end; ++c) chromaPixel(r, q, k, c, c + 1 >= W);
     }
 
     // ---------------- homogeneity vote, row k, columns [bx0 - 1, bx1 + 1)
-    Yuv yuvAt(int d, int k, int j) const {
-        return yuvOf(at(rRing(d, k), j), at(gRing(d, k), j), at(bRing(d, k), j));
-    }
-    void votePixel(int k, int j) const {
+    static Yuv yuvAt(const Rows& q, int d, int i, int j) { return yuvOf(at(q.r[d][i], j), at(q.g[d][i], j), at(q.b[d][i], j)); }
+    static void votePixel(const Rows& q, int j) {
         Yuv h[5], v[5];
         Yuv* s[2] = {h, v};
         for (int d = 0; d < 2; ++d) {
-            s[d][0] = yuvAt(d, k, j);
-            s[d][1] = yuvAt(d, k, j - 1);
-            s[d][2] = yuvAt(d, k, j + 1);
-            s[d][3] = yuvAt(d, k - 1, j);
-            s[d][4] = yuvAt(d, k + 1, j);
+            s[d][0] = yuvAt(q, d, 1, j);
+            s[d][1] = yuvAt(q, d, 1, j - 1);
+            s[d][2] = yuvAt(q, d, 1, j + 1);
+            s[d][3] = yuvAt(q, d, 0, j);
+            s[d][4] = yuvAt(q, d, 2, j);
         }
-        put(dRing(k), j, homogeneity(h, v));
+        put(q.d[1], j, homogeneity(h, v));
     }
-    int voteVector(int k, int j, int end) const {
+    // 8 pixels a step; the centre row's Y, U, V slide along the row, so its
+    // left and right neighbours come from the steps before and after.
+    static Yuv8 yuv8(const Rows& q, int d, int i, int j) {
+        auto ld = [j](const T* row) { return _mm_cvtepu8_epi16(_mm_loadl_epi64(reinterpret_cast<const V*>(row + j))); };
+        return yuvOf(ld(q.r[d][i]), ld(q.g[d][i]), ld(q.b[d][i]));
+    }
+    static Yuv8 shifted(const Yuv8& lo, const Yuv8& hi, std::integral_constant<int, 2>) {  // lanes 1..8
+        return {_mm_alignr_epi8(hi.y, lo.y, 2), _mm_alignr_epi8(hi.u, lo.u, 2), _mm_alignr_epi8(hi.v, lo.v, 2)};
+    }
+    static Yuv8 shifted(const Yuv8& lo, const Yuv8& hi, std::integral_constant<int, 14>) {  // lanes -1..6
+        return {_mm_alignr_epi8(hi.y, lo.y, 14), _mm_alignr_epi8(hi.u, lo.u, 14), _mm_alignr_epi8(hi.v, lo.v, 14)};
+    }
+    static int voteVector(const Rows& q, int j, int end) {
         if constexpr (sizeof(T) == 1) {
+            if (j + 8 > end) return j;
+            Yuv8 cur[2], left[2];
+            for (int d = 0; d < 2; ++d) cur[d] = yuv8(q, d, 1, j), left[d] = yuv8(q, d, 1, j - 1);
             for (; j + 8 <= end; j += 8) {
-                Yuv8 h[5], v[5];
+                Yuv8 h[5], v[5], next[2];
                 Yuv8* s[2] = {h, v};
+                const bool more = j + 16 <= end;
                 for (int d = 0; d < 2; ++d) {
-                    auto yuv = [&](int dk, int dj) {
-                        auto ld = [&](const T* row) { return _mm_cvtepu8_epi16(_mm_loadl_epi64(reinterpret_cast<const V*>(row + j + dj))); };
-                        return yuvOf(ld(rRing(d, k + dk)), ld(gRing(d, k + dk)), ld(bRing(d, k + dk)));
-                    };
-                    s[d][0] = yuv(0, 0);
-                    s[d][1] = yuv(0, -1);
-                    s[d][2] = yuv(0, 1);
-                    s[d][3] = yuv(-1, 0);
-                    s[d][4] = yuv(1, 0);
+                    s[d][0] = cur[d];
+                    s[d][1] = left[d];
+                    if (more) {
+                        next[d] = yuv8(q, d, 1, j + 8);
+                        s[d][2] = shifted(cur[d], next[d], std::integral_constant<int, 2>());
+                    } else {
+                        s[d][2] = yuv8(q, d, 1, j + 1);
+                    }
+                    s[d][3] = yuv8(q, d, 0, j);
+                    s[d][4] = yuv8(q, d, 2, j);
                 }
                 const V vote = homogeneity(h, v);
-                _mm_storel_epi64(reinterpret_cast<V*>(dRing(k) + j), _mm_packs_epi16(vote, vote));
+                _mm_storel_epi64(reinterpret_cast<V*>(q.d[1] + j), _mm_packs_epi16(vote, vote));
+                if (more)
+                    for (int d = 0; d < 2; ++d) {
+                        left[d] = shifted(cur[d], next[d], std::integral_constant<int, 14>());
+                        cur[d] = next[d];
+                    }
             }
         }
         return j;
     }
     void voteRow(int k) const {
+        const Rows q = rowsAround(k);
         const int end = bx1 + 1 - col0;
-        int j = voteVector(k, bx0 - 1 - col0, end);
-        for (; j < end; ++j) votePixel(k, j);
+        int j = voteVector(q, bx0 - 1 - col0, end);
+        for (; j < end; ++j) votePixel(q, j);
     }
 
     // ---------------- selection, row k, columns [bx0, bx1); a tie keeps the
@@ -343,57 +382,63 @@ struct Ahd {
     T* dpx(int x, int y) const {
         return reinterpret_cast<T*>(dst + static_cast<std::ptrdiff_t>(y - ry) * dstStep) + 3 * static_cast<std::ptrdiff_t>(x - rx);
     }
-    int voteSum(int k, int j) const {
+    static int voteSum(const Rows& q, int j) {
         int t = 0;
-        for (int dk = -1; dk <= 1; ++dk) {
-            const T* row = dRing(k + dk);
-            t += atD(row, j - 1) + atD(row, j) + atD(row, j + 1);
-        }
+        for (int i = 0; i < 3; ++i) t += atD(q.d[i], j - 1) + atD(q.d[i], j) + atD(q.d[i], j + 1);
         return t;
     }
-    void selectPixel(int k, int j, int& dir) const {
-        const int t = voteSum(k, j);
+    void selectPixel(const Rows& q, int k, int j, int& dir) const {
+        const int t = voteSum(q, j);
         if (t > 0) dir = 0;
         if (t < 0) dir = 1;
         T* p = dpx(col0 + j, k);
-        storeSample(p + 0, static_cast<T>(at(rRing(dir, k), j)));
-        storeSample(p + 1, static_cast<T>(at(gRing(dir, k), j)));
-        storeSample(p + 2, static_cast<T>(at(bRing(dir, k), j)));
+        storeSample(p + 0, static_cast<T>(at(q.r[dir][1], j)));
+        storeSample(p + 1, static_cast<T>(at(q.g[dir][1], j)));
+        storeSample(p + 2, static_cast<T>(at(q.b[dir][1], j)));
     }
-    int selectVector(int k, int j, int end, int& dir) const {
+    // Directions of 8 pixels from their decided lanes (pos: H, neg: V, as bit
+    // masks) and the direction carried in; a lane without a decision takes
+    // the nearest decided lane to its left. Returns bit i set where pixel i
+    // takes V, and leaves the last pixel's direction in dir.
+    static int fillTies(int pos, int neg, int& dir) {
+        int known = pos | neg, useV = neg;
+        for (int s = 1; s < 8; s <<= 1) {
+            useV |= (useV << s) & ~known & 0xFF;
+            known |= (known << s) & 0xFF;
+        }
+        useV |= dir ? ~known & 0xFF : 0;
+        dir = useV >> 7 & 1;
+        return useV;
+    }
+    int selectVector(const Rows& q, int k, int j, int end, int& dir) const {
         if constexpr (sizeof(T) == 1) {
-            const V bits = _mm_setr_epi16(1, 2, 4, 8, 16, 32, 64, 128);
+            const V bits = _mm_setr_epi16(1, 2, 4, 8, 16, 32, 64, 128), zero = _mm_setzero_si128();
+            auto ld = [](const T* row, int at) { return _mm_loadl_epi64(reinterpret_cast<const V*>(row + at)); };
             for (; j + 8 <= end; j += 8) {
-                V t = _mm_setzero_si128();
-                for (int dk = -1; dk <= 1; ++dk)
-                    for (int dj = -1; dj <= 1; ++dj)
-                        t = _mm_add_epi16(t, _mm_cvtepi8_epi16(_mm_loadl_epi64(reinterpret_cast<const V*>(dRing(k + dk) + j + dj))));
-                const V zero = _mm_setzero_si128();
+                V t = zero;
+                for (int i = 0; i < 3; ++i)
+                    for (int dj = -1; dj <= 1; ++dj) t = _mm_add_epi16(t, _mm_cvtepi8_epi16(ld(q.d[i], j + dj)));
                 const int pos = _mm_movemask_epi8(_mm_packs_epi16(_mm_cmpgt_epi16(t, zero), zero));
                 const int neg = _mm_movemask_epi8(_mm_packs_epi16(_mm_cmplt_epi16(t, zero), zero));
-                int useV = 0;  // bit i: pixel i takes the V planes
-                for (int i = 0; i < 8; ++i) {
-                    if (pos >> i & 1) dir = 0;
-                    if (neg >> i & 1) dir = 1;
-                    useV |= dir << i;
-                }
+                const int useV = fillTies(pos, neg, dir);
                 const V m = _mm_cmpeq_epi16(_mm_and_si128(_mm_set1_epi16(static_cast<short>(useV)), bits), bits);
-                auto pick = [&](T* (Ahd::*ringOf)(int, int) const) {
-                    auto ld = [&](const T* row) { return _mm_cvtepu8_epi16(_mm_loadl_epi64(reinterpret_cast<const V*>(row + j))); };
-                    return _mm_blendv_epi8(ld((this->*ringOf)(0, k)), ld((this->*ringOf)(1, k)), m);
+                auto pick = [&](T* const (&ring)[2][3]) {
+                    return _mm_cvtepu8_epi16(_mm_blendv_epi8(ld(ring[0][1], j), ld(ring[1][1], j), _mm_packs_epi16(m, m)));
                 };
-                const V rgb[3] = {pick(&Ahd::rRing), pick(&Ahd::gRing), pick(&Ahd::bRing)};
+                const V rgb[3] = {pick(q.r), pick(q.g), pick(q.b)};
                 DstCT<Kro8u, 3>::Row{dpx(col0 + j, k)}.template storeLanes<8, 2>(0, rgb);
             }
         }
         return j;
     }
     void selectRow(int k) const {
+        const Rows q = rowsAround(k);
         const int end = bx1 - col0;
         int dir = 0;
-        int j = selectVector(k, bx0 - col0, end, dir);
-        for (; j < end; ++j) selectPixel(k, j, dir);
+        int j = selectVector(q, k, j0(), end, dir);
+        for (; j < end; ++j) selectPixel(q, k, j, dir);
     }
+    int j0() const { return bx0 - col0; }
 
     // ---------------- one block: the stages run down it, each a row behind the last
     void block(const Rect& b) {
