@@ -342,6 +342,29 @@ TEST(DemosaicAHD, EmptyRegionWritesNothing) {
         }
 }
 
+// Mirroring the samples and then computing past the edge gives every plane
+// the mirror's symmetry, so reading a mirrored plane position is the same.
+TEST(DemosaicAHD, PlanesPastTheEdgeMirror) {
+    std::mt19937 r(9);
+    for (int grid = 0; grid < 4; ++grid)
+        for (int W : {5, 6, 9})
+            for (int H : {5, 8}) {
+                Src<Kro16u> src(W, H, grid, 0, Guard::After);
+                fillPattern(src, grid + W, r);
+                const AhdRef ref(src.m, 65535);
+                for (int y = -4; y < H + 4; ++y)
+                    for (int x = -4; x < W + 4; ++x) {
+                        const int a = ref.id(x, y), b = ref.id(AhdRef::mirror(x, W), AhdRef::mirror(y, H));
+                        ASSERT_EQ(ref.D[a], ref.D[b]) << x << "," << y;
+                        for (int d = 0; d < 2; ++d) {
+                            ASSERT_EQ(ref.G[d][a], ref.G[d][b]);
+                            ASSERT_EQ(ref.R[d][a], ref.R[d][b]);
+                            ASSERT_EQ(ref.B[d][a], ref.B[d][b]);
+                        }
+                    }
+            }
+}
+
 // A null work buffer fails only where there is work to do, after every other check.
 TEST(DemosaicAHD, NullWorkBuffer) {
     Src<Kro8u> src(9, 9, 1, 0, Guard::After);
