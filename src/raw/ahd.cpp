@@ -198,17 +198,17 @@ struct Ahd {
     int sAt(const T* row, int x, bool mirror) const { return loadSample(row + (mirror ? reflect(x, W) : x)); }
 
     // ---------------- green of both directions, row k, columns [col0, bx1 + 3)
-    void greenPixel(const T* const (&r)[5], int k, int c, bool mirror) const {
+    void greenPixel(const T* const (&r)[5], T* gh, T* gv, bool greenFirst, int c, bool mirror) const {
         const int j = c - col0, own = sAt(r[2], c, mirror);
-        int gh = own, gv = own;
-        if (!isGreen(grid, c, k)) {
-            gh = greenAlong(sAt(r[2], c - 1, mirror), sAt(r[2], c + 1, mirror), own, sAt(r[2], c - 2, mirror),
-                            sAt(r[2], c + 2, mirror));
-            gv = greenAlong(sAt(r[1], c, mirror), sAt(r[3], c, mirror), own, sAt(r[0], c, mirror),
-                            sAt(r[4], c, mirror));
+        int h = own, v = own;
+        if (((c & 1) == 0) != greenFirst) {
+            h = greenAlong(sAt(r[2], c - 1, mirror), sAt(r[2], c + 1, mirror), own, sAt(r[2], c - 2, mirror),
+                           sAt(r[2], c + 2, mirror));
+            v = greenAlong(sAt(r[1], c, mirror), sAt(r[3], c, mirror), own, sAt(r[0], c, mirror),
+                           sAt(r[4], c, mirror));
         }
-        put(gRing(0, k), j, gh);
-        put(gRing(1, k), j, gv);
+        put(gh, j, h);
+        put(gv, j, v);
     }
     int greenVector(const T* const (&r)[5], int k, int c, int end) const {
         if constexpr (sizeof(T) == 1) {
@@ -230,11 +230,13 @@ struct Ahd {
     void greenRow(int k) const {
         const T* r[5];
         for (int d = 0; d < 5; ++d) r[d] = srow(reflect(k + d - 2, H));
+        T *gh = gRing(0, k), *gv = gRing(1, k);
+        const bool greenFirst = isGreen(grid, 0, k);  // green at even columns
         const int end = bx1 + 3;
         int c = col0;
-        for (; c < end && c < 2; ++c) greenPixel(r, k, c, true);
+        for (; c < end && c < 2; ++c) greenPixel(r, gh, gv, greenFirst, c, true);
         c = greenVector(r, k, c, end);
-        for (; c < end; ++c) greenPixel(r, k, c, c + 2 >= W);
+        for (; c < end; ++c) greenPixel(r, gh, gv, greenFirst, c, c + 2 >= W);
     }
 
     // Ring rows around row k: [direction][k - 1, k, k + 1], and D rows.
