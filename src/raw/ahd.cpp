@@ -20,10 +20,11 @@
 //
 // Column j of a ring row holds image column (block left - 3 + j).
 //
-// Row kernels: 8u data runs 8 pixels a vector step in 16-bit lanes (the colour
-// differences in 32-bit lanes), with a scalar tail; columns whose stencil
-// reaches past the image run the scalar form through the mirror. 16u data runs
-// the scalar forms throughout. Every path gives the same numbers.
+// Row kernels: 8u data runs 8 pixels a vector step in 16-bit lanes (colour
+// distances in 32-bit lanes, the selection 16 pixels in byte lanes), 16u data
+// 4 pixels in 32-bit lanes (the selection 8 in 16-bit lanes); a scalar tail
+// follows, and columns whose stencil reaches past the image run the scalar form
+// through the mirror. Every path gives the same numbers.
 #include "impl_decls.h"
 #include "raw/bayer.h"
 
@@ -72,7 +73,7 @@ inline Yuv yuvOf(int r, int g, int b) {
     return {(66 * r + 129 * g + 25 * b + 128) >> 8, (-38 * r - 74 * g + 112 * b + 128) >> 8,
             (112 * r - 94 * g - 18 * b + 128) >> 8};
 }
-struct Yuv8 {
+struct YuvLanes {
     V y, u, v;
 };
 // 8u samples in 16-bit lanes, written on the differences from green to save
@@ -80,7 +81,7 @@ struct Yuv8 {
 // V = 112 (R - G) - 18 (B - G). The lanes wrap, but every result fits: Y
 // reaches 56228 before its shift and is shifted unsigned, U and V stay within
 // +-28688.
-inline Yuv8 yuvOf(V r, V g, V b) {
+inline YuvLanes yuvOf(V r, V g, V b) {
     auto mul = [](V a, int k) { return _mm_mullo_epi16(a, _mm_set1_epi16(static_cast<short>(k))); };
     const V half = _mm_set1_epi16(128), dr = _mm_sub_epi16(r, g), db = _mm_sub_epi16(b, g);
     const V y = _mm_add_epi16(_mm_add_epi16(_mm_add_epi16(mul(g, 220), mul(dr, 66)), mul(db, 25)), half);
@@ -110,12 +111,12 @@ inline int homogeneity(const Yuv (&h)[5], const Yuv (&v)[5]) {
     return count[0] - count[1];
 }
 // The same on 8 pixels of 8u data: Y, U, V in 16-bit lanes, distances in 32.
-inline V homogeneity(const Yuv8 (&h)[5], const Yuv8 (&v)[5]) {
+inline V homogeneity(const YuvLanes (&h)[5], const YuvLanes (&v)[5]) {
     V dy[2][4], dcLo[2][4], dcHi[2][4];
-    const Yuv8* s[2] = {h, v};
+    const YuvLanes* s[2] = {h, v};
     for (int d = 0; d < 2; ++d)
         for (int n = 0; n < 4; ++n) {
-            const Yuv8 &a = s[d][n + 1], &o = s[d][0];
+            const YuvLanes &a = s[d][n + 1], &o = s[d][0];
             dy[d][n] = _mm_abs_epi16(_mm_sub_epi16(a.y, o.y));
             const V du = _mm_sub_epi16(a.u, o.u), dv = _mm_sub_epi16(a.v, o.v);
             const V lo = _mm_unpacklo_epi16(du, dv), hi = _mm_unpackhi_epi16(du, dv);
@@ -134,6 +135,60 @@ inline V homogeneity(const Yuv8 (&h)[5], const Yuv8 (&v)[5]) {
         }
     return _mm_sub_epi16(fails[0], fails[1]);
 }
+
+// 16u samples in 32-bit lanes: Y, U, V as the scalar form; the colour
+// distance wraps as a 32-bit number.
+inline YuvLanes yuvOf32(V r, V g, V b) {
+    auto mul = [](V a, int k) { return _mm_mullo_epi32(a, _mm_set1_epi32(k)); };
+    const V half = _mm_set1_epi32(128);
+    const V y = _mm_add_epi32(_mm_add_epi32(_mm_add_epi32(mul(r, 66), mul(g, 129)), mul(b, 25)), half);
+    const V u = _mm_add_epi32(_mm_add_epi32(_mm_add_epi32(mul(r, -38), mul(g, -74)), mul(b, 112)), half);
+    const V v = _mm_add_epi32(_mm_add_epi32(_mm_add_epi32(mul(r, 112), mul(g, -94)), mul(b, -18)), half);
+    return {_mm_srai_epi32(y, 8), _mm_srai_epi32(u, 8), _mm_srai_epi32(v, 8)};
+}
+inline V homogeneity32(const YuvLanes (&h)[5], const YuvLanes (&v)[5]) {
+    V dy[2][4], dc[2][4];
+    const YuvLanes* s[2] = {h, v};
+    for (int d = 0; d < 2; ++d)
+        for (int n = 0; n < 4; ++n) {
+            const YuvLanes &a = s[d][n + 1], &o = s[d][0];
+            dy[d][n] = _mm_abs_epi32(_mm_sub_epi32(a.y, o.y));
+            const V du = _mm_sub_epi32(a.u, o.u), dv = _mm_sub_epi32(a.v, o.v);
+            dc[d][n] = _mm_add_epi32(_mm_mullo_epi32(du, du), _mm_mullo_epi32(dv, dv));
+        }
+    const V eY = _mm_min_epi32(_mm_max_epi32(dy[0][0], dy[0][1]), _mm_max_epi32(dy[1][2], dy[1][3]));
+    const V eC = _mm_min_epi32(_mm_max_epi32(dc[0][0], dc[0][1]), _mm_max_epi32(dc[1][2], dc[1][3]));
+    V fails[2] = {_mm_setzero_si128(), _mm_setzero_si128()};
+    for (int d = 0; d < 2; ++d)
+        for (int n = 0; n < 4; ++n)
+            fails[d] = _mm_add_epi32(fails[d], _mm_or_si128(_mm_cmpgt_epi32(dy[d][n], eY), _mm_cmpgt_epi32(dc[d][n], eC)));
+    return _mm_sub_epi32(fails[0], fails[1]);
+}
+
+// Lanes of a sample type: one pixel a lane, loaded from samples and stored
+// back limited to the sample range; votes stored as signed samples.
+template <class T>
+struct Lanes;
+template <>
+struct Lanes<Kro8u> {
+    using N = L16;
+    static constexpr int n = 8, bytes = 2;
+    static V load(const Kro8u* p) { return _mm_cvtepu8_epi16(_mm_loadl_epi64(reinterpret_cast<const V*>(p))); }
+    static void store(Kro8u* p, V x) { _mm_storel_epi64(reinterpret_cast<V*>(p), _mm_packus_epi16(x, x)); }
+    static void storeVote(Kro8u* p, V x) { _mm_storel_epi64(reinterpret_cast<V*>(p), _mm_packs_epi16(x, x)); }
+    static YuvLanes yuv(V r, V g, V b) { return yuvOf(r, g, b); }
+    static V vote(const YuvLanes (&h)[5], const YuvLanes (&v)[5]) { return homogeneity(h, v); }
+};
+template <>
+struct Lanes<Kro16u> {
+    using N = L32;
+    static constexpr int n = 4, bytes = 4;
+    static V load(const Kro16u* p) { return _mm_cvtepu16_epi32(_mm_loadl_epi64(reinterpret_cast<const V*>(p))); }
+    static void store(Kro16u* p, V x) { _mm_storel_epi64(reinterpret_cast<V*>(p), _mm_packus_epi32(x, x)); }
+    static void storeVote(Kro16u* p, V x) { _mm_storel_epi64(reinterpret_cast<V*>(p), _mm_packs_epi32(x, x)); }
+    static YuvLanes yuv(V r, V g, V b) { return yuvOf32(r, g, b); }
+    static V vote(const YuvLanes (&h)[5], const YuvLanes (&v)[5]) { return homogeneity32(h, v); }
+};
 
 // ------------------------------------------------------------ region and blocks
 struct Rect {
@@ -173,6 +228,7 @@ template <class T>
 struct Ahd {
     static constexpr int top = sizeof(T) == 1 ? 255 : 65535;
     using DT = std::conditional_t<sizeof(T) == 1, int8_t, int16_t>;  // D as a signed sample
+    using Ln = Lanes<T>;
 
     const uint8_t* src;
     int srcStep, W, H, grid;
@@ -211,19 +267,17 @@ struct Ahd {
         put(gv, j, v);
     }
     int greenVector(const T* const (&r)[5], int k, int c, int end) const {
-        if constexpr (sizeof(T) == 1) {
-            T *gh = gRing(0, k), *gv = gRing(1, k);
-            const int phase = isGreen(grid, 0, k) ? 0 : 1;
-            for (; c + 8 <= end && c + 10 <= W; c += 8) {
-                auto ld = [&](int row, int dx) { return L16::load(r[row] + c + dx); };
-                const L16 own = ld(2, 0);
-                const L16 m = alternating<L16>(c, phase);
-                const L16 h = select(m, own, greenAlong(ld(2, -1), ld(2, 1), own, ld(2, -2), ld(2, 2)));
-                const L16 v = select(m, own, greenAlong(ld(1, 0), ld(3, 0), own, ld(0, 0), ld(4, 0)));
-                const int j = c - col0;
-                _mm_storel_epi64(reinterpret_cast<V*>(gh + j), _mm_packus_epi16(h.v, h.v));
-                _mm_storel_epi64(reinterpret_cast<V*>(gv + j), _mm_packus_epi16(v.v, v.v));
-            }
+        using N = typename Ln::N;
+        T *gh = gRing(0, k), *gv = gRing(1, k);
+        const int phase = isGreen(grid, 0, k) ? 0 : 1;
+        for (; c + Ln::n <= end && c + Ln::n + 2 <= W; c += Ln::n) {
+            auto ld = [&](int row, int dx) { return N(Ln::load(r[row] + c + dx)); };
+            const N own = ld(2, 0);
+            const N m = alternating<N>(c, phase);
+            const N h = select(m, own, greenAlong(ld(2, -1), ld(2, 1), own, ld(2, -2), ld(2, 2)));
+            const N v = select(m, own, greenAlong(ld(1, 0), ld(3, 0), own, ld(0, 0), ld(4, 0)));
+            Ln::store(gh + (c - col0), h.v);
+            Ln::store(gv + (c - col0), v.v);
         }
         return c;
     }
@@ -281,27 +335,24 @@ struct Ahd {
         }
     }
     int chromaVector(const T* const (&r)[3], const Rows& q, int k, int c, int end) const {
-        if constexpr (sizeof(T) == 1) {
-            const bool redRow = rowChroma(grid, k) == Red;
-            const int phase = isGreen(grid, 0, k) ? 0 : 1;
-            for (; c + 8 <= end && c + 9 <= W; c += 8) {
-                const int j = c - col0;
-                auto s = [&](int row, int dx) { return L16::load(r[row] + c + dx); };
-                const L16 green = alternating<L16>(c, phase);
-                const L16 own = s(1, 0), sl = s(1, -1), sr = s(1, 1), su = s(0, 0), sd = s(2, 0);
-                const L16 sSum = s(0, -1) + s(0, 1) + s(2, -1) + s(2, 1);
-                for (int d = 0; d < 2; ++d) {
-                    const T *g0 = q.g[d][0], *g1 = q.g[d][1], *g2 = q.g[d][2];
-                    auto g = [&](const T* row, int dj) { return L16::load(row + j + dj); };
-                    const L16 gc = g(g1, 0);
-                    const L16 rowC = select(green, chromaPair(gc, sl, g(g1, -1), sr, g(g1, 1)), own);
-                    const L16 colC = select(green, chromaPair(gc, su, g(g0, 0), sd, g(g2, 0)),
-                                            chromaDiag(gc, sSum, g(g0, -1) + g(g0, 1) + g(g2, -1) + g(g2, 1)));
-                    _mm_storel_epi64(reinterpret_cast<V*>(q.r[d][1] + j),
-                                     _mm_packus_epi16((redRow ? rowC : colC).v, _mm_setzero_si128()));
-                    _mm_storel_epi64(reinterpret_cast<V*>(q.b[d][1] + j),
-                                     _mm_packus_epi16((redRow ? colC : rowC).v, _mm_setzero_si128()));
-                }
+        using N = typename Ln::N;
+        const bool redRow = rowChroma(grid, k) == Red;
+        const int phase = isGreen(grid, 0, k) ? 0 : 1;
+        for (; c + Ln::n <= end && c + Ln::n + 1 <= W; c += Ln::n) {
+            const int j = c - col0;
+            auto s = [&](int row, int dx) { return N(Ln::load(r[row] + c + dx)); };
+            const N green = alternating<N>(c, phase);
+            const N own = s(1, 0), sl = s(1, -1), sr = s(1, 1), su = s(0, 0), sd = s(2, 0);
+            const N sSum = s(0, -1) + s(0, 1) + s(2, -1) + s(2, 1);
+            for (int d = 0; d < 2; ++d) {
+                const T *g0 = q.g[d][0], *g1 = q.g[d][1], *g2 = q.g[d][2];
+                auto g = [&](const T* row, int dj) { return N(Ln::load(row + j + dj)); };
+                const N gc = g(g1, 0);
+                const N rowC = select(green, chromaPair(gc, sl, g(g1, -1), sr, g(g1, 1)), own);
+                const N colC = select(green, chromaPair(gc, su, g(g0, 0), sd, g(g2, 0)),
+                                      chromaDiag(gc, sSum, g(g0, -1) + g(g0, 1) + g(g2, -1) + g(g2, 1)));
+                Ln::store(q.r[d][1] + j, (redRow ? rowC : colC).v);
+                Ln::store(q.b[d][1] + j, (redRow ? colC : rowC).v);
             }
         }
         return c;
@@ -331,47 +382,42 @@ struct Ahd {
         }
         put(q.d[1], j, homogeneity(h, v));
     }
-    // 8 pixels a step; the centre row's Y, U, V slide along the row, so its
-    // left and right neighbours come from the steps before and after.
-    static Yuv8 yuv8(const Rows& q, int d, int i, int j) {
-        auto ld = [j](const T* row) { return _mm_cvtepu8_epi16(_mm_loadl_epi64(reinterpret_cast<const V*>(row + j))); };
-        return yuvOf(ld(q.r[d][i]), ld(q.g[d][i]), ld(q.b[d][i]));
+    // Ln::n pixels a step; the centre row's Y, U, V slide along the row, so
+    // its left and right neighbours come from the steps before and after.
+    static YuvLanes yuvLanes(const Rows& q, int d, int i, int j) {
+        return Ln::yuv(Ln::load(q.r[d][i] + j), Ln::load(q.g[d][i] + j), Ln::load(q.b[d][i] + j));
     }
-    static Yuv8 shifted(const Yuv8& lo, const Yuv8& hi, std::integral_constant<int, 2>) {  // lanes 1..8
-        return {_mm_alignr_epi8(hi.y, lo.y, 2), _mm_alignr_epi8(hi.u, lo.u, 2), _mm_alignr_epi8(hi.v, lo.v, 2)};
-    }
-    static Yuv8 shifted(const Yuv8& lo, const Yuv8& hi, std::integral_constant<int, 14>) {  // lanes -1..6
-        return {_mm_alignr_epi8(hi.y, lo.y, 14), _mm_alignr_epi8(hi.u, lo.u, 14), _mm_alignr_epi8(hi.v, lo.v, 14)};
+    template <int by>
+    static YuvLanes shifted(const YuvLanes& lo, const YuvLanes& hi) {  // lanes from lo's lane by / lane bytes on
+        return {_mm_alignr_epi8(hi.y, lo.y, by), _mm_alignr_epi8(hi.u, lo.u, by), _mm_alignr_epi8(hi.v, lo.v, by)};
     }
     static int voteVector(const Rows& q, int j, int end) {
-        if constexpr (sizeof(T) == 1) {
-            if (j + 8 > end) return j;
-            Yuv8 cur[2], left[2];
-            for (int d = 0; d < 2; ++d) cur[d] = yuv8(q, d, 1, j), left[d] = yuv8(q, d, 1, j - 1);
-            for (; j + 8 <= end; j += 8) {
-                Yuv8 h[5], v[5], next[2];
-                Yuv8* s[2] = {h, v};
-                const bool more = j + 16 <= end;
-                for (int d = 0; d < 2; ++d) {
-                    s[d][0] = cur[d];
-                    s[d][1] = left[d];
-                    if (more) {
-                        next[d] = yuv8(q, d, 1, j + 8);
-                        s[d][2] = shifted(cur[d], next[d], std::integral_constant<int, 2>());
-                    } else {
-                        s[d][2] = yuv8(q, d, 1, j + 1);
-                    }
-                    s[d][3] = yuv8(q, d, 0, j);
-                    s[d][4] = yuv8(q, d, 2, j);
+        constexpr int n = Ln::n;
+        if (j + n > end) return j;
+        YuvLanes cur[2], left[2];
+        for (int d = 0; d < 2; ++d) cur[d] = yuvLanes(q, d, 1, j), left[d] = yuvLanes(q, d, 1, j - 1);
+        for (; j + n <= end; j += n) {
+            YuvLanes h[5], v[5], next[2];
+            YuvLanes* s[2] = {h, v};
+            const bool more = j + 2 * n <= end;
+            for (int d = 0; d < 2; ++d) {
+                s[d][0] = cur[d];
+                s[d][1] = left[d];
+                if (more) {
+                    next[d] = yuvLanes(q, d, 1, j + n);
+                    s[d][2] = shifted<Ln::bytes>(cur[d], next[d]);
+                } else {
+                    s[d][2] = yuvLanes(q, d, 1, j + 1);
                 }
-                const V vote = homogeneity(h, v);
-                _mm_storel_epi64(reinterpret_cast<V*>(q.d[1] + j), _mm_packs_epi16(vote, vote));
-                if (more)
-                    for (int d = 0; d < 2; ++d) {
-                        left[d] = shifted(cur[d], next[d], std::integral_constant<int, 14>());
-                        cur[d] = next[d];
-                    }
+                s[d][3] = yuvLanes(q, d, 0, j);
+                s[d][4] = yuvLanes(q, d, 2, j);
             }
+            Ln::storeVote(q.d[1] + j, Ln::vote(h, v));
+            if (more)
+                for (int d = 0; d < 2; ++d) {
+                    left[d] = shifted<16 - Ln::bytes>(cur[d], next[d]);
+                    cur[d] = next[d];
+                }
         }
         return j;
     }
@@ -452,6 +498,22 @@ struct Ahd {
                 };
                 const V rgb[3] = {pick(q.r), pick(q.g), pick(q.b)};
                 DstCT<Kro8u, 3>::Row{dpx(col0 + j, k)}.template storeLanes<8, 2>(0, rgb);
+            }
+        } else {
+            // 16u: votes and samples are 16-bit, 8 pixels a step
+            const V zero = _mm_setzero_si128(), bits = _mm_setr_epi16(1, 2, 4, 8, 16, 32, 64, 128);
+            auto ld = [](const T* row, int at) { return _mm_loadu_si128(reinterpret_cast<const V*>(row + at)); };
+            for (; j + 8 <= end; j += 8) {
+                V t = zero;
+                for (int i = 0; i < 3; ++i)
+                    for (int dj = -1; dj <= 1; ++dj) t = _mm_add_epi16(t, ld(q.d[i], j + dj));
+                const int pos = _mm_movemask_epi8(_mm_packs_epi16(_mm_cmpgt_epi16(t, zero), zero));
+                const int neg = _mm_movemask_epi8(_mm_packs_epi16(_mm_cmplt_epi16(t, zero), zero));
+                const int useV = fillTies<8>(pos, neg, dir);
+                const V m = _mm_cmpeq_epi16(_mm_and_si128(_mm_set1_epi16(static_cast<short>(useV)), bits), bits);
+                auto pick = [&](T* const (&ring)[2][3]) { return _mm_blendv_epi8(ld(ring[0][1], j), ld(ring[1][1], j), m); };
+                const V rgb[3] = {pick(q.r), pick(q.g), pick(q.b)};
+                DstCT<Kro16u, 3>::Row{dpx(col0 + j, k)}.template storeLanes<8, 2>(0, rgb);
             }
         }
         return j;
