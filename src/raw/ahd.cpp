@@ -25,6 +25,8 @@
 // 4 pixels in 32-bit lanes (the selection 8 in 16-bit lanes); a scalar tail
 // follows, and columns whose stencil reaches past the image run the scalar form
 // through the mirror. Every path gives the same numbers.
+#include <type_traits>
+
 #include "impl_decls.h"
 #include "raw/bayer.h"
 
@@ -204,7 +206,7 @@ inline int splitBlocks(const Rect& r, int W, int H, int grid, Rect (&out)[5]) {
     int wi = maxN(minN(W - 5, r.x + r.w) - xs, 0), hi = maxN(minN(H - 5, r.y + r.h) - ys, 0);
     if (!hasRedColumn(xs)) ++xs, --wi;
     if (!hasRedRow(ys)) ++ys, --hi;
-    if (wi < 2 || hi < 2) {  // even sizes of at least 1
+    if (wi < 2 || hi < 2) {  // nothing left once rounded down to even
         out[0] = r;
         return 1;
     }
