@@ -69,6 +69,12 @@ inline I32x4 cubeIndex(F32x4 x) {
     const V i = truncToInt(_mm_mul_ps(_mm_set1_ps(c::cubeIndexScale), x.v));
     return I32x4(_mm_min_epi32(_mm_max_epi32(i, _mm_setzero_si128()), _mm_set1_epi32(127)));
 }
+// The same for x known to lie in 0..1.0000153 (x, y, z of 0..255 samples
+// reach 1.0000012 at most): the index is inside the table as it comes.
+inline int cubeIndexInTable(float x) { return truncToInt(c::cubeIndexScale * x); }
+inline I32x4 cubeIndexInTable(F32x4 x) {
+    return I32x4(truncToInt(_mm_mul_ps(_mm_set1_ps(c::cubeIndexScale), x.v)));
+}
 // (c, k) of segment i (0..127) of a table
 inline void cubeSegmentAt(const CubeTable& tab, int i, float& cc, float& k) {
     const CubeSeg& s = tab.seg[i];
@@ -77,11 +83,14 @@ inline void cubeSegmentAt(const CubeTable& tab, int i, float& cc, float& k) {
 }
 // four lanes: one 8-byte (c, k) load per lane, then c and k regrouped
 inline void cubeSegmentAt(const CubeTable& tab, I32x4 idx, F32x4& cc, F32x4& k) {
+    // indices are 0..127: extracted as unsigned, they address without a sign extension
     const V i = idx.v;
     const CubeSeg* t = tab.seg;
-    const auto at = [t](int n) { return reinterpret_cast<const __m64*>(&t[n]); };
-    const VF p01 = _mm_loadh_pi(_mm_loadl_pi(_mm_setzero_ps(), at(_mm_cvtsi128_si32(i))), at(_mm_extract_epi32(i, 1)));
-    const VF p23 = _mm_loadh_pi(_mm_loadl_pi(_mm_setzero_ps(), at(_mm_extract_epi32(i, 2))), at(_mm_extract_epi32(i, 3)));
+    const auto at = [t](unsigned n) { return reinterpret_cast<const __m64*>(&t[n]); };
+    const VF p01 = _mm_loadh_pi(_mm_loadl_pi(_mm_setzero_ps(), at(unsigned(_mm_cvtsi128_si32(i)))),
+                                at(unsigned(_mm_extract_epi32(i, 1))));
+    const VF p23 = _mm_loadh_pi(_mm_loadl_pi(_mm_setzero_ps(), at(unsigned(_mm_extract_epi32(i, 2)))),
+                                at(unsigned(_mm_extract_epi32(i, 3))));
     cc = F32x4(_mm_shuffle_ps(p01, p23, _MM_SHUFFLE(2, 0, 2, 0)));
     k = F32x4(_mm_shuffle_ps(p01, p23, _MM_SHUFFLE(3, 1, 3, 1)));
 }
@@ -133,10 +142,15 @@ inline T cubeRoot(T x) {
 }
 
 // f(t): the cube root above thresh, slope t + 16/116 at and below it.
-template <class S, class T>
+// InTable: t is known to lie in 0..1.0000153, its segment needs no limits.
+template <class S, bool InTable = false, class T>
 inline T labF(T t) {
     const T line = (c::slope * t) + c::offs;
-    const T root = cubeRoot<S>(t);
+    T root;
+    if constexpr (InTable)
+        root = cubeRootAt<S>(kCubeTable, cubeIndexInTable(t), t);
+    else
+        root = cubeRoot<S>(t);
     return pickAtMost(t, c::thresh, line, root);
 }
 
@@ -147,9 +161,9 @@ inline T rowSum(const float (&m)[3], T a, T b, T d) {
 }
 
 // X/Xn, Y/Yn, Z/Zn to L, a, b. L is linear (903.3 y) at and below thresh.
-template <class S, class T>
+template <class S, bool InTable = false, class T>
 inline void relXyzToLab(T x, T y, T z, T& L, T& a, T& b) {
-    const T fx = labF<S>(x), fy = labF<S>(y), fz = labF<S>(z);
+    const T fx = labF<S, InTable>(x), fy = labF<S, InTable>(y), fz = labF<S, InTable>(z);
     L = pickAtMost(y, c::thresh, y * c::lowL, (116.0f * fy) - 16.0f);
     a = (fx - fy) * 500.0f;
     b = (fy - fz) * 200.0f;
@@ -165,7 +179,10 @@ inline void labToRoots(T L, T a, T b, T& fx, T& fy, T& fz) {
 
 // ------------------------------------------------------------ white and sample scales
 // XYZ of 0..255 samples to X/Xn, Y/Yn, Z/Zn; cubes back to XYZ x 255.
+// Relative values of such samples stay within 0..1.0000012 (white gives the
+// most, every matrix entry being positive): cube-root segments inside the table.
 struct White8 {
+    static constexpr bool inTable = true;
     template <class T>
     static void relative(T X, T Y, T Z, T& x, T& y, T& z) {
         x = X * c::xScale8;
@@ -179,8 +196,9 @@ struct White8 {
         Z = ((fz * fz) * fz) * c::zn255;
     }
 };
-// XYZ of 0..1 samples (Yn = 1).
+// XYZ of 0..1 samples (Yn = 1); any float may come, segments are limited.
 struct WhiteF {
+    static constexpr bool inTable = false;
     template <class T>
     static void relative(T X, T Y, T Z, T& x, T& y, T& z) {
         x = X * c::xScaleF;
@@ -280,7 +298,7 @@ struct ToLab {
         T x, y, z;
         White::relative(X, Y, Z, x, y, z);
         T L, a, bb;
-        relXyzToLab<Series>(x, y, z, L, a, bb);
+        relXyzToLab<Series, White::inTable>(x, y, z, L, a, bb);
         Out::encode(L, a, bb, d);
     }
 };
