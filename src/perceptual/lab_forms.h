@@ -99,6 +99,39 @@ inline void cubeSegment(T x, T& cc, T& k) {
     cubeSegmentAt(kCubeTable, cubeIndex(x), cc, k);
 }
 
+// ------------------------------------------------------------ eight pixels as two groups of four
+// The 8-bit main path runs two groups of four pixels side by side: each step
+// of one group sits next to the same step of the other, so the table lookups
+// and long product chains of one overlap those of the other. Every lane gets
+// exactly the numbers of a four-pixel group.
+template <class Q>
+struct Pair {
+    Q lo, hi;
+    Pair() = default;
+    Pair(Q l, Q h) : lo(l), hi(h) {}
+    Pair(float k) : lo(k), hi(k) {}  // NOLINT: constants mix in like floats
+    friend Pair operator+(Pair a, Pair b) { return {a.lo + b.lo, a.hi + b.hi}; }
+    friend Pair operator-(Pair a, Pair b) { return {a.lo - b.lo, a.hi - b.hi}; }
+    friend Pair operator*(Pair a, Pair b) { return {a.lo * b.lo, a.hi * b.hi}; }
+};
+using F32x8 = Pair<F32x4>;
+using I32x8 = Pair<I32x4>;
+
+inline F32x8 toFloat(I32x8 v) { return {toFloat(v.lo), toFloat(v.hi)}; }
+inline F32x8 toFloat(F32x8 v) { return v; }
+inline I32x8 roundEven(F32x8 x) { return {roundEven(x.lo), roundEven(x.hi)}; }
+inline I32x8 clampU8(I32x8 x) { return {kro::clampU8(x.lo), kro::clampU8(x.hi)}; }
+inline I32x8 clampU16(I32x8 x) { return {clampU16(x.lo), clampU16(x.hi)}; }
+inline F32x8 pickAtMost(F32x8 t, float lim, F32x8 a, F32x8 b) {
+    return {pickAtMost(t.lo, lim, a.lo, b.lo), pickAtMost(t.hi, lim, a.hi, b.hi)};
+}
+inline I32x8 cubeIndex(F32x8 x) { return {cubeIndex(x.lo), cubeIndex(x.hi)}; }
+inline I32x8 cubeIndexInTable(F32x8 x) { return {cubeIndexInTable(x.lo), cubeIndexInTable(x.hi)}; }
+inline void cubeSegmentAt(const CubeTable& tab, I32x8 idx, F32x8& cc, F32x8& k) {
+    cubeSegmentAt(tab, idx.lo, cc.lo, k.lo);
+    cubeSegmentAt(tab, idx.hi, cc.hi, k.hi);
+}
+
 // ------------------------------------------------------------ forms
 // The alternating binomial series of (1 + e)^(1/3) in S::terms terms (4, 6
 // or 8); a four-term series names its fourth coefficient S::a4.
@@ -163,10 +196,11 @@ inline T rowSum(const float (&m)[3], T a, T b, T d) {
 // X/Xn, Y/Yn, Z/Zn to L, a, b. L is linear (903.3 y) at and below thresh.
 template <class S, bool InTable = false, class T>
 inline void relXyzToLab(T x, T y, T z, T& L, T& a, T& b) {
-    const T fx = labF<S, InTable>(x), fy = labF<S, InTable>(y), fz = labF<S, InTable>(z);
+    // in this order, few values are alive at once: L and a are made before fz
+    const T fy = labF<S, InTable>(y);
     L = pickAtMost(y, c::thresh, y * c::lowL, (116.0f * fy) - 16.0f);
-    a = (fx - fy) * 500.0f;
-    b = (fy - fz) * 200.0f;
+    a = (labF<S, InTable>(x) - fy) * 500.0f;
+    b = (fy - labF<S, InTable>(z)) * 200.0f;
 }
 
 // L, a, b to the cube roots fx, fy, fz of X/Xn, Y/Yn, Z/Zn.
