@@ -20,13 +20,13 @@ template <class In, class White, class Out>
 using Inverse = FromLab<In, White, Out>;
 
 // ------------------------------------------------------------ row kernel and region driver
-template <class Conv, class Src, class Dst>
+template <class Conv, class Src, class Dst, bool Wide = true>
 struct LabKernel {
     // Eight pixels a step (two groups of four side by side) while eight
     // remain, then four, then pixel by pixel: the same numbers in each.
     static void row(const typename Src::Row& s, const typename Dst::Row& d, int width) {
         int x = 0;
-        for (; x + 8 <= width; x += 8) {
+        for (; Wide && x + 8 <= width; x += 8) {
             Pair<typename Src::Lanes> in[3];
             Pair<typename Dst::Lanes> out[3];
             s.load8(x, in);

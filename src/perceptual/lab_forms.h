@@ -137,21 +137,26 @@ inline void cubeSegmentAt(const CubeTable& tab, I32x8 idx, F32x8& cc, F32x8& k) 
 // or 8); a four-term series names its fourth coefficient S::a4.
 template <class S, class T>
 inline T cubeSeries(T e) {
-    const T e2 = e * e;
-    const T e3 = e2 * e;
-    const T e4 = e3 * e;
+    // each power is made just before its term: few values alive at once
+    T en = e * e;  // e^2
+    T p = ((c::a1 * e) + 1.0f) - (c::a2 * en);
+    en = en * e;  // e^3
+    p = p + (c::a3 * en);
+    en = en * e;  // e^4
     if constexpr (S::terms == 4) {
-        return ((((c::a1 * e) + 1.0f) - (c::a2 * e2)) + (c::a3 * e3)) - (S::a4 * e4);
+        return p - (S::a4 * en);
     } else {
         static_assert(S::terms == 6 || S::terms == 8, "series of 4, 6 or 8 terms");
-        const T e5 = e4 * e;
-        const T e6 = e5 * e;
-        T p = ((((((c::a1 * e) + 1.0f) - (c::a2 * e2)) + (c::a3 * e3)) - (c::a4 * e4)) + (c::a5 * e5)) -
-              (c::a6 * e6);
+        p = p - (c::a4 * en);
+        en = en * e;  // e^5
+        p = p + (c::a5 * en);
+        en = en * e;  // e^6
+        p = p - (c::a6 * en);
         if constexpr (S::terms == 8) {
-            const T e7 = e6 * e;
-            const T e8 = e * e7;
-            p = (p + (S::a7 * e7)) - (S::a8 * e8);
+            en = en * e;  // e^7
+            p = p + (S::a7 * en);
+            en = e * en;  // e^8
+            p = p - (S::a8 * en);
         }
         return p;
     }

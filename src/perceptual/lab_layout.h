@@ -149,6 +149,19 @@ struct SrcC3 {
     struct Row {
         const uint8_t* p;
         void load4(int x, Lanes (&s)[3]) const {
+            if constexpr (Tr::isFloat) {
+                // 4 x 3 floats to three lanes of four in five shuffles
+                const float* q = reinterpret_cast<const float*>(p) + 3 * x;
+                const VF v0 = _mm_loadu_ps(q);      // c0 c1 c2 c0 of pixels 0 0 0 1
+                const VF v1 = _mm_loadu_ps(q + 4);  // c1 c2 c0 c1 of pixels 1 1 2 2
+                const VF v2 = _mm_loadu_ps(q + 8);  // c2 c0 c1 c2 of pixels 2 3 3 3
+                const VF u = _mm_shuffle_ps(v1, v2, _MM_SHUFFLE(2, 1, 3, 2));  // c0 c1 of pixel 2, of pixel 3
+                const VF w = _mm_shuffle_ps(v0, v1, _MM_SHUFFLE(1, 0, 2, 1));  // c1 c2 of pixel 0, of pixel 1
+                s[Swap ? 2 : 0] = F32x4(_mm_shuffle_ps(v0, u, _MM_SHUFFLE(2, 0, 3, 0)));
+                s[1] = F32x4(_mm_shuffle_ps(w, u, _MM_SHUFFLE(3, 1, 2, 0)));
+                s[Swap ? 0 : 2] = F32x4(_mm_shuffle_ps(w, v2, _MM_SHUFFLE(3, 0, 3, 1)));
+                return;
+            }
             const auto& t = kC3Shuffles<sizeof(E)>;
             V in[vecs];
             load4px<sizeof(E)>(p + 3 * sizeof(E) * x, in);
@@ -218,6 +231,19 @@ struct DstC3 {
     struct Row {
         uint8_t* p;
         void store4(int x, const Lanes (&s)[3]) const {
+            if constexpr (Tr::isFloat) {
+                // three lanes of four floats to 4 x 3 in seven shuffles
+                const VF a = s[Swap ? 2 : 0].v, b = s[1].v, c = s[Swap ? 0 : 2].v;
+                const VF t0 = _mm_unpacklo_ps(a, b);                             // a0 b0 a1 b1
+                const VF t1 = _mm_unpackhi_ps(a, b);                             // a2 b2 a3 b3
+                const VF t2 = _mm_shuffle_ps(c, t0, _MM_SHUFFLE(3, 2, 1, 0));    // c0 c1 a1 b1
+                const VF t3 = _mm_shuffle_ps(c, t1, _MM_SHUFFLE(3, 2, 3, 2));    // c2 c3 a3 b3
+                float* q = reinterpret_cast<float*>(p) + 3 * x;
+                _mm_storeu_ps(q, _mm_shuffle_ps(t0, t2, _MM_SHUFFLE(2, 0, 1, 0)));      // a0 b0 c0 a1
+                _mm_storeu_ps(q + 4, _mm_shuffle_ps(t2, t1, _MM_SHUFFLE(1, 0, 1, 3)));  // b1 c1 a2 b2
+                _mm_storeu_ps(q + 8, _mm_shuffle_ps(t3, t3, _MM_SHUFFLE(1, 3, 2, 0)));  // c2 a3 b3 c3
+                return;
+            }
             const auto& t = kC3Shuffles<sizeof(E)>;
             V w[3];
             for (int ch = 0; ch < 3; ++ch) w[Swap ? 2 - ch : ch] = Tr::bits(Tr::limit(s[ch]));
