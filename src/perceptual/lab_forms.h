@@ -3,7 +3,7 @@
 // sample encodings of each type.
 //
 // Forms are templates over their number type: float for the scalar tail,
-// F32x4 for four pixels of the main path. Every product and sum rounds to a
+// F32x4 for four pixels of the main path, Pair<Pair<F32x4>> for sixteen. Every product and sum rounds to a
 // float in the order written, so a pixel gets the same numbers in either path.
 // The few steps that are not plain arithmetic (table lookup, choice by mask,
 // conversions) stand below as scalar and vector overloads side by side.
@@ -99,11 +99,11 @@ inline void cubeSegment(T x, T& cc, T& k) {
     cubeSegmentAt(kCubeTable, cubeIndex(x), cc, k);
 }
 
-// ------------------------------------------------------------ eight pixels as two groups of four
-// The 8-bit main path runs two groups of four pixels side by side: each step
-// of one group sits next to the same step of the other, so the table lookups
-// and long product chains of one overlap those of the other. Every lane gets
-// exactly the numbers of a four-pixel group.
+// ------------------------------------------------------------ groups of four side by side
+// The main path runs four groups of four pixels side by side (a pair of pairs):
+// each step of one group sits next to the same step of the others, so the
+// table lookups and long product chains of one overlap those of the others.
+// Every lane gets exactly the numbers of a lone group of four.
 template <class Q>
 struct Pair {
     Q lo, hi;
@@ -114,20 +114,27 @@ struct Pair {
     friend Pair operator-(Pair a, Pair b) { return {a.lo - b.lo, a.hi - b.hi}; }
     friend Pair operator*(Pair a, Pair b) { return {a.lo * b.lo, a.hi * b.hi}; }
 };
-using F32x8 = Pair<F32x4>;
-using I32x8 = Pair<I32x4>;
 
-inline F32x8 toFloat(I32x8 v) { return {toFloat(v.lo), toFloat(v.hi)}; }
-inline F32x8 toFloat(F32x8 v) { return v; }
-inline I32x8 roundEven(F32x8 x) { return {roundEven(x.lo), roundEven(x.hi)}; }
-inline I32x8 clampU8(I32x8 x) { return {kro::clampU8(x.lo), kro::clampU8(x.hi)}; }
-inline I32x8 clampU16(I32x8 x) { return {clampU16(x.lo), clampU16(x.hi)}; }
-inline F32x8 pickAtMost(F32x8 t, float lim, F32x8 a, F32x8 b) {
+template <class Q>
+inline auto toFloat(Pair<Q> v) -> Pair<decltype(toFloat(v.lo))> { return {toFloat(v.lo), toFloat(v.hi)}; }
+template <class Q>
+inline auto roundEven(Pair<Q> x) -> Pair<decltype(roundEven(x.lo))> { return {roundEven(x.lo), roundEven(x.hi)}; }
+template <class Q>
+inline Pair<Q> clampU8(Pair<Q> x) { return {clampU8(x.lo), clampU8(x.hi)}; }
+template <class Q>
+inline Pair<Q> clampU16(Pair<Q> x) { return {clampU16(x.lo), clampU16(x.hi)}; }
+template <class Q>
+inline Pair<Q> pickAtMost(Pair<Q> t, float lim, Pair<Q> a, Pair<Q> b) {
     return {pickAtMost(t.lo, lim, a.lo, b.lo), pickAtMost(t.hi, lim, a.hi, b.hi)};
 }
-inline I32x8 cubeIndex(F32x8 x) { return {cubeIndex(x.lo), cubeIndex(x.hi)}; }
-inline I32x8 cubeIndexInTable(F32x8 x) { return {cubeIndexInTable(x.lo), cubeIndexInTable(x.hi)}; }
-inline void cubeSegmentAt(const CubeTable& tab, I32x8 idx, F32x8& cc, F32x8& k) {
+template <class Q>
+inline auto cubeIndex(Pair<Q> x) -> Pair<decltype(cubeIndex(x.lo))> { return {cubeIndex(x.lo), cubeIndex(x.hi)}; }
+template <class Q>
+inline auto cubeIndexInTable(Pair<Q> x) -> Pair<decltype(cubeIndexInTable(x.lo))> {
+    return {cubeIndexInTable(x.lo), cubeIndexInTable(x.hi)};
+}
+template <class I, class Q>
+inline void cubeSegmentAt(const CubeTable& tab, Pair<I> idx, Pair<Q>& cc, Pair<Q>& k) {
     cubeSegmentAt(tab, idx.lo, cc.lo, k.lo);
     cubeSegmentAt(tab, idx.hi, cc.hi, k.hi);
 }

@@ -1,7 +1,7 @@
 // Interleaved three-sample rows of 8-bit, 16-bit and float samples, as the
 // float models see them: four pixels at a time into one 32-bit lane per pixel
-// and channel (I32x4 for integer samples, F32x4 for floats), or one pixel at a
-// time for the scalar tail. Steps are in bytes for every sample type. Swap
+// and channel (I32x4 for integer samples, F32x4 for floats), sixteen as four
+// such groups, or one pixel at a time for the scalar tail. Steps are in bytes for every sample type. Swap
 // exchanges channels 0 and 2 (BGR against RGB).
 #pragma once
 
@@ -141,6 +141,7 @@ template <class E, bool Swap>
 struct SrcC3 {
     using Tr = SampleTraits<E>;
     using Lanes = typename Tr::Lanes;
+    using Lanes16 = Pair<Pair<Lanes>>;  // sixteen pixels of one channel
     using One = typename Tr::One;
     static constexpr int vecs = C3Shuffles<sizeof(E)>::vecs;
 
@@ -204,6 +205,12 @@ struct SrcC3 {
                 for (int ch = 0; ch < 3; ++ch) s[ch] = {a[ch], b[ch]};
             }
         }
+        void load16(int x, Lanes16 (&s)[3]) const {
+            Pair<Lanes> a[3], b[3];
+            load8(x, a);
+            load8(x + 8, b);
+            for (int ch = 0; ch < 3; ++ch) s[ch] = {a[ch], b[ch]};
+        }
         void get(int x, One (&s)[3]) const {
             E v[3];
             std::memcpy(v, p + 3 * sizeof(E) * x, sizeof v);
@@ -223,6 +230,7 @@ template <class E, bool Swap>
 struct DstC3 {
     using Tr = SampleTraits<E>;
     using Lanes = typename Tr::Lanes;
+    using Lanes16 = Pair<Pair<Lanes>>;  // sixteen pixels of one channel
     using One = typename Tr::One;
     static constexpr int vecs = C3Shuffles<sizeof(E)>::vecs;
 
@@ -292,6 +300,11 @@ struct DstC3 {
                 store4(x, a);
                 store4(x + 4, b);
             }
+        }
+        void store16(int x, const Lanes16 (&s)[3]) const {
+            const Pair<Lanes> a[3] = {s[0].lo, s[1].lo, s[2].lo}, b[3] = {s[0].hi, s[1].hi, s[2].hi};
+            store8(x, a);
+            store8(x + 8, b);
         }
         void put(int x, const One (&s)[3]) const {
             const E v[3] = {static_cast<E>(s[Swap ? 2 : 0]), static_cast<E>(s[1]), static_cast<E>(s[Swap ? 0 : 2])};
