@@ -1,8 +1,8 @@
 // RGB / BGR <-> CIE L*a*b* on interleaved pixels, in 32-bit floats for every
 // sample type. Each operation is a conversion (forward or inverse, with its
 // white scale, series and sample encodings) run over a source and a
-// destination row layout: main path of four pixels in float lanes, scalar
-// tail of the same numbers.
+// destination row layout: main path of sixteen pixels (four groups of four
+// float lanes), then four, scalar tail of the same numbers.
 #include "frame/region.h"
 #include "impl_decls.h"
 #include "perceptual/lab_layout.h"
@@ -22,9 +22,18 @@ using Inverse = FromLab<In, White, Out>;
 // ------------------------------------------------------------ row kernel and region driver
 template <class Conv, class Src, class Dst>
 struct LabKernel {
-    // Four pixels a step while four remain, then pixel by pixel.
-    static void row(const typename Src::Row& s, const typename Dst::Row& d, int width) {
+    // Sixteen pixels a step (four groups of four side by side) while sixteen
+    // remain, then four, then pixel by pixel: the same numbers in each.
+    // Flattened: the conversions are inlined, no call inside the loops.
+    [[gnu::flatten]] static void row(const typename Src::Row& s, const typename Dst::Row& d, int width) {
         int x = 0;
+        for (; x + 16 <= width; x += 16) {
+            typename Src::Lanes16 in[3];
+            typename Dst::Lanes16 out[3];
+            s.load16(x, in);
+            Conv::apply(in, out);
+            d.store16(x, out);
+        }
         for (; x + 4 <= width; x += 4) {
             typename Src::Lanes in[3];
             typename Dst::Lanes out[3];

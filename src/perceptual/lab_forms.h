@@ -3,7 +3,7 @@
 // sample encodings of each type.
 //
 // Forms are templates over their number type: float for the scalar tail,
-// F32x4 for four pixels of the main path. Every product and sum rounds to a
+// F32x4 for four pixels of the main path, Pair<Pair<F32x4>> for sixteen. Every product and sum rounds to a
 // float in the order written, so a pixel gets the same numbers in either path.
 // The few steps that are not plain arithmetic (table lookup, choice by mask,
 // conversions) stand below as scalar and vector overloads side by side.
@@ -69,6 +69,12 @@ inline I32x4 cubeIndex(F32x4 x) {
     const V i = truncToInt(_mm_mul_ps(_mm_set1_ps(c::cubeIndexScale), x.v));
     return I32x4(_mm_min_epi32(_mm_max_epi32(i, _mm_setzero_si128()), _mm_set1_epi32(127)));
 }
+// The same for x known to lie in 0..1.0000153 (x, y, z of 0..255 samples
+// reach 1.0000012 at most): the index is inside the table as it comes.
+inline int cubeIndexInTable(float x) { return truncToInt(c::cubeIndexScale * x); }
+inline I32x4 cubeIndexInTable(F32x4 x) {
+    return I32x4(truncToInt(_mm_mul_ps(_mm_set1_ps(c::cubeIndexScale), x.v)));
+}
 // (c, k) of segment i (0..127) of a table
 inline void cubeSegmentAt(const CubeTable& tab, int i, float& cc, float& k) {
     const CubeSeg& s = tab.seg[i];
@@ -77,11 +83,14 @@ inline void cubeSegmentAt(const CubeTable& tab, int i, float& cc, float& k) {
 }
 // four lanes: one 8-byte (c, k) load per lane, then c and k regrouped
 inline void cubeSegmentAt(const CubeTable& tab, I32x4 idx, F32x4& cc, F32x4& k) {
+    // indices are 0..127: extracted as unsigned, they address without a sign extension
     const V i = idx.v;
     const CubeSeg* t = tab.seg;
-    const auto at = [t](int n) { return reinterpret_cast<const __m64*>(&t[n]); };
-    const VF p01 = _mm_loadh_pi(_mm_loadl_pi(_mm_setzero_ps(), at(_mm_cvtsi128_si32(i))), at(_mm_extract_epi32(i, 1)));
-    const VF p23 = _mm_loadh_pi(_mm_loadl_pi(_mm_setzero_ps(), at(_mm_extract_epi32(i, 2))), at(_mm_extract_epi32(i, 3)));
+    const auto at = [t](unsigned n) { return reinterpret_cast<const __m64*>(&t[n]); };
+    const VF p01 = _mm_loadh_pi(_mm_loadl_pi(_mm_setzero_ps(), at(unsigned(_mm_cvtsi128_si32(i)))),
+                                at(unsigned(_mm_extract_epi32(i, 1))));
+    const VF p23 = _mm_loadh_pi(_mm_loadl_pi(_mm_setzero_ps(), at(unsigned(_mm_extract_epi32(i, 2)))),
+                                at(unsigned(_mm_extract_epi32(i, 3))));
     cc = F32x4(_mm_shuffle_ps(p01, p23, _MM_SHUFFLE(2, 0, 2, 0)));
     k = F32x4(_mm_shuffle_ps(p01, p23, _MM_SHUFFLE(3, 1, 3, 1)));
 }
@@ -90,26 +99,71 @@ inline void cubeSegment(T x, T& cc, T& k) {
     cubeSegmentAt(kCubeTable, cubeIndex(x), cc, k);
 }
 
+// ------------------------------------------------------------ groups of four side by side
+// The main path runs four groups of four pixels side by side (a pair of pairs):
+// each step of one group sits next to the same step of the others, so the
+// table lookups and long product chains of one overlap those of the others.
+// Every lane gets exactly the numbers of a lone group of four.
+template <class Q>
+struct Pair {
+    Q lo, hi;
+    Pair() = default;
+    Pair(Q l, Q h) : lo(l), hi(h) {}
+    Pair(float k) : lo(k), hi(k) {}  // NOLINT: constants mix in like floats
+    friend Pair operator+(Pair a, Pair b) { return {a.lo + b.lo, a.hi + b.hi}; }
+    friend Pair operator-(Pair a, Pair b) { return {a.lo - b.lo, a.hi - b.hi}; }
+    friend Pair operator*(Pair a, Pair b) { return {a.lo * b.lo, a.hi * b.hi}; }
+};
+
+template <class Q>
+inline auto toFloat(Pair<Q> v) -> Pair<decltype(toFloat(v.lo))> { return {toFloat(v.lo), toFloat(v.hi)}; }
+template <class Q>
+inline auto roundEven(Pair<Q> x) -> Pair<decltype(roundEven(x.lo))> { return {roundEven(x.lo), roundEven(x.hi)}; }
+template <class Q>
+inline Pair<Q> clampU8(Pair<Q> x) { return {clampU8(x.lo), clampU8(x.hi)}; }
+template <class Q>
+inline Pair<Q> clampU16(Pair<Q> x) { return {clampU16(x.lo), clampU16(x.hi)}; }
+template <class Q>
+inline Pair<Q> pickAtMost(Pair<Q> t, float lim, Pair<Q> a, Pair<Q> b) {
+    return {pickAtMost(t.lo, lim, a.lo, b.lo), pickAtMost(t.hi, lim, a.hi, b.hi)};
+}
+template <class Q>
+inline auto cubeIndex(Pair<Q> x) -> Pair<decltype(cubeIndex(x.lo))> { return {cubeIndex(x.lo), cubeIndex(x.hi)}; }
+template <class Q>
+inline auto cubeIndexInTable(Pair<Q> x) -> Pair<decltype(cubeIndexInTable(x.lo))> {
+    return {cubeIndexInTable(x.lo), cubeIndexInTable(x.hi)};
+}
+template <class I, class Q>
+inline void cubeSegmentAt(const CubeTable& tab, Pair<I> idx, Pair<Q>& cc, Pair<Q>& k) {
+    cubeSegmentAt(tab, idx.lo, cc.lo, k.lo);
+    cubeSegmentAt(tab, idx.hi, cc.hi, k.hi);
+}
+
 // ------------------------------------------------------------ forms
 // The alternating binomial series of (1 + e)^(1/3) in S::terms terms (4, 6
 // or 8); a four-term series names its fourth coefficient S::a4.
 template <class S, class T>
 inline T cubeSeries(T e) {
-    const T e2 = e * e;
-    const T e3 = e2 * e;
-    const T e4 = e3 * e;
+    // each power is made just before its term: few values alive at once
+    T en = e * e;  // e^2
+    T p = ((c::a1 * e) + 1.0f) - (c::a2 * en);
+    en = en * e;  // e^3
+    p = p + (c::a3 * en);
+    en = en * e;  // e^4
     if constexpr (S::terms == 4) {
-        return ((((c::a1 * e) + 1.0f) - (c::a2 * e2)) + (c::a3 * e3)) - (S::a4 * e4);
+        return p - (S::a4 * en);
     } else {
         static_assert(S::terms == 6 || S::terms == 8, "series of 4, 6 or 8 terms");
-        const T e5 = e4 * e;
-        const T e6 = e5 * e;
-        T p = ((((((c::a1 * e) + 1.0f) - (c::a2 * e2)) + (c::a3 * e3)) - (c::a4 * e4)) + (c::a5 * e5)) -
-              (c::a6 * e6);
+        p = p - (c::a4 * en);
+        en = en * e;  // e^5
+        p = p + (c::a5 * en);
+        en = en * e;  // e^6
+        p = p - (c::a6 * en);
         if constexpr (S::terms == 8) {
-            const T e7 = e6 * e;
-            const T e8 = e * e7;
-            p = (p + (S::a7 * e7)) - (S::a8 * e8);
+            en = en * e;  // e^7
+            p = p + (S::a7 * en);
+            en = e * en;  // e^8
+            p = p - (S::a8 * en);
         }
         return p;
     }
@@ -133,10 +187,15 @@ inline T cubeRoot(T x) {
 }
 
 // f(t): the cube root above thresh, slope t + 16/116 at and below it.
-template <class S, class T>
+// InTable: t is known to lie in 0..1.0000153, its segment needs no limits.
+template <class S, bool InTable = false, class T>
 inline T labF(T t) {
     const T line = (c::slope * t) + c::offs;
-    const T root = cubeRoot<S>(t);
+    T root;
+    if constexpr (InTable)
+        root = cubeRootAt<S>(kCubeTable, cubeIndexInTable(t), t);
+    else
+        root = cubeRoot<S>(t);
     return pickAtMost(t, c::thresh, line, root);
 }
 
@@ -147,12 +206,13 @@ inline T rowSum(const float (&m)[3], T a, T b, T d) {
 }
 
 // X/Xn, Y/Yn, Z/Zn to L, a, b. L is linear (903.3 y) at and below thresh.
-template <class S, class T>
+template <class S, bool InTable = false, class T>
 inline void relXyzToLab(T x, T y, T z, T& L, T& a, T& b) {
-    const T fx = labF<S>(x), fy = labF<S>(y), fz = labF<S>(z);
+    // in this order, few values are alive at once: L and a are made before fz
+    const T fy = labF<S, InTable>(y);
     L = pickAtMost(y, c::thresh, y * c::lowL, (116.0f * fy) - 16.0f);
-    a = (fx - fy) * 500.0f;
-    b = (fy - fz) * 200.0f;
+    a = (labF<S, InTable>(x) - fy) * 500.0f;
+    b = (fy - labF<S, InTable>(z)) * 200.0f;
 }
 
 // L, a, b to the cube roots fx, fy, fz of X/Xn, Y/Yn, Z/Zn.
@@ -165,7 +225,10 @@ inline void labToRoots(T L, T a, T b, T& fx, T& fy, T& fz) {
 
 // ------------------------------------------------------------ white and sample scales
 // XYZ of 0..255 samples to X/Xn, Y/Yn, Z/Zn; cubes back to XYZ x 255.
+// Relative values of such samples stay within 0..1.0000012 (white gives the
+// most, every matrix entry being positive): cube-root segments inside the table.
 struct White8 {
+    static constexpr bool inTable = true;
     template <class T>
     static void relative(T X, T Y, T Z, T& x, T& y, T& z) {
         x = X * c::xScale8;
@@ -179,8 +242,9 @@ struct White8 {
         Z = ((fz * fz) * fz) * c::zn255;
     }
 };
-// XYZ of 0..1 samples (Yn = 1).
+// XYZ of 0..1 samples (Yn = 1); any float may come, segments are limited.
 struct WhiteF {
+    static constexpr bool inTable = false;
     template <class T>
     static void relative(T X, T Y, T Z, T& x, T& y, T& z) {
         x = X * c::xScaleF;
@@ -280,7 +344,7 @@ struct ToLab {
         T x, y, z;
         White::relative(X, Y, Z, x, y, z);
         T L, a, bb;
-        relXyzToLab<Series>(x, y, z, L, a, bb);
+        relXyzToLab<Series, White::inTable>(x, y, z, L, a, bb);
         Out::encode(L, a, bb, d);
     }
 };
