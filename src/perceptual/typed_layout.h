@@ -13,8 +13,10 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <type_traits>
 
 #include "frame/forms.h"
+#include "frame/layout8.h"
 
 namespace kro::typed {
 
@@ -215,6 +217,21 @@ struct SrcC {
             for (int k = 0; k < 3; ++k) px.c[k] = Sample<T>::toFloat(q[Swap ? 2 - k : k]);
             px.fourth = Cn == 4 ? q[Cn - 1] : T{};
         }
+        // 8u, three samples a pixel: 16 pixels at once, c[j] the four pixels of
+        // block j (pixels 4j..4j+3), the same floats as four load4 calls.
+        static constexpr bool kWide = Cn == 3 && Sz == 1;
+        void load16(int x, VF (&c)[4][3]) const {
+            static_assert(kWide, "16-pixel loads of 8u rows of three samples");
+            V in[3];
+            kro::loadBytes<3, 16>(p + Cn * x, in);
+            V ch[3];
+            kro::deinterleave3<4>(in, ch);
+            for (int k = 0; k < 3; ++k) {
+                V q[4];
+                kro::splitDwords(ch[Swap ? 2 - k : k], q);
+                for (int j = 0; j < 4; ++j) c[j][k] = _mm_cvtepi32_ps(q[j]);
+            }
+        }
     };
     Row row(int y) const { return {rowAt(base, step, y)}; }
 };
@@ -296,6 +313,18 @@ struct DstC {
             }
             storeExact<Shape<Cn, Sz>::kBytes, Aligned>(q, out);
         }
+        // 8u, three samples a pixel: the words of four blocks (w[j], pixels
+        // 4j..4j+3) narrowed by the same pack steps and stored as 16 pixels.
+        static constexpr bool kWide = Cn == 3 && Sz == 1;
+        void store16(int x, const V (&w)[4][3]) const {
+            static_assert(kWide, "16-pixel stores of 8u rows of three samples");
+            V ch[3];
+            for (int k = 0; k < 3; ++k)
+                ch[Swap ? 2 - k : k] = _mm_packus_epi16(_mm_packs_epi32(w[0][k], w[1][k]), _mm_packs_epi32(w[2][k], w[3][k]));
+            V out[3];
+            kro::interleave3(ch, out);
+            kro::storeBytes<3, 16>(p + Cn * x, out);
+        }
         void put(int x, const typename Sample<T>::Word (&o)[3], T fourth) const {
             T* q = p + Cn * x;
             for (int k = 0; k < 3; ++k) q[Swap ? 2 - k : k] = Sample<T>::fromWord(o[k]);
@@ -346,10 +375,26 @@ template <int B, class VecForm, class TailForm, bool ByAlignment = false>
 struct KernelF {
     static_assert(B == 1 || B == 4 || B == 8, "blocks of 4 or 8 pixels, or scalar only");
 
+    // Both sides move 16 pixels at once (8u rows of three samples).
+    template <class R, class = void>
+    struct Wide : std::false_type {};
+    template <class R>
+    struct Wide<R, std::void_t<decltype(R::kWide)>> : std::bool_constant<R::kWide> {};
+
     template <bool Aligned, class SRow, class DRow>
     static int mainPath(const SRow& s, const DRow& d, int width) {
         const int n = width & ~(B - 1);
-        for (int x = 0; x < n; x += 4) {
+        int x = 0;
+        if constexpr (Wide<SRow>::value && Wide<DRow>::value && !Aligned) {
+            for (; x + 16 <= n; x += 16) {
+                VF c[4][3];
+                s.load16(x, c);
+                V w[4][3];
+                for (int j = 0; j < 4; ++j) VecForm::apply(c[j], w[j]);
+                d.store16(x, w);
+            }
+        }
+        for (; x < n; x += 4) {
             Block b;
             s.load4(x, b);
             V w[3];
