@@ -217,19 +217,22 @@ struct SrcC {
             for (int k = 0; k < 3; ++k) px.c[k] = Sample<T>::toFloat(q[Swap ? 2 - k : k]);
             px.fourth = Cn == 4 ? q[Cn - 1] : T{};
         }
-        // 8u, three samples a pixel: 16 pixels at once, c[j] the four pixels of
-        // block j (pixels 4j..4j+3), the same floats as four load4 calls.
+        // 8u, three samples a pixel: 16 pixels at once. load16 gathers each
+        // channel into one register (byte j of lane k is pixel 4j + k); block
+        // takes out pixels 4j..4j+3 as floats, the same as load4 at x + 4j.
         static constexpr bool kWide = Cn == 3 && Sz == 1;
-        void load16(int x, VF (&c)[4][3]) const {
+        void load16(int x, V (&ch)[3]) const {
             static_assert(kWide, "16-pixel loads of 8u rows of three samples");
-            V in[3];
+            V in[3], c[3];
             kro::loadBytes<3, 16>(p + Cn * x, in);
-            V ch[3];
-            kro::deinterleave3<4>(in, ch);
+            kro::deinterleave3<4>(in, c);
+            for (int k = 0; k < 3; ++k) ch[k] = c[Swap ? 2 - k : k];
+        }
+        static void block(const V (&ch)[3], int j, VF (&c)[3]) {
+            const V low = _mm_set1_epi32(0xff);
             for (int k = 0; k < 3; ++k) {
-                V q[4];
-                kro::splitDwords(ch[Swap ? 2 - k : k], q);
-                for (int j = 0; j < 4; ++j) c[j][k] = _mm_cvtepi32_ps(q[j]);
+                const V w = j == 3 ? _mm_srli_epi32(ch[k], 24) : _mm_and_si128(_mm_srli_epi32(ch[k], 8 * j), low);
+                c[k] = _mm_cvtepi32_ps(w);
             }
         }
     };
@@ -313,14 +316,15 @@ struct DstC {
             }
             storeExact<Shape<Cn, Sz>::kBytes, Aligned>(q, out);
         }
-        // 8u, three samples a pixel: the words of four blocks (w[j], pixels
-        // 4j..4j+3) narrowed by the same pack steps and stored as 16 pixels.
+        // 8u, three samples a pixel: 16 pixels at once. pair narrows the words
+        // of two blocks to 16-bit lanes, store16 the pairs of pixels 0..7 and
+        // 8..15 to bytes: the pack steps of narrow, two blocks at a time.
         static constexpr bool kWide = Cn == 3 && Sz == 1;
-        void store16(int x, const V (&w)[4][3]) const {
+        static V pair(V a, V b) { return _mm_packs_epi32(a, b); }
+        void store16(int x, const V (&lo)[3], const V (&hi)[3]) const {
             static_assert(kWide, "16-pixel stores of 8u rows of three samples");
             V ch[3];
-            for (int k = 0; k < 3; ++k)
-                ch[Swap ? 2 - k : k] = _mm_packus_epi16(_mm_packs_epi32(w[0][k], w[1][k]), _mm_packs_epi32(w[2][k], w[3][k]));
+            for (int k = 0; k < 3; ++k) ch[Swap ? 2 - k : k] = _mm_packus_epi16(lo[k], hi[k]);
             V out[3];
             kro::interleave3(ch, out);
             kro::storeBytes<3, 16>(p + Cn * x, out);
@@ -387,11 +391,19 @@ struct KernelF {
         int x = 0;
         if constexpr (Wide<SRow>::value && Wide<DRow>::value && !Aligned) {
             for (; x + 16 <= n; x += 16) {
-                VF c[4][3];
-                s.load16(x, c);
-                V w[4][3];
-                for (int j = 0; j < 4; ++j) VecForm::apply(c[j], w[j]);
-                d.store16(x, w);
+                V ch[3];
+                s.load16(x, ch);
+                V h[2][3];
+                for (int half = 0; half < 2; ++half) {
+                    VF c[3];
+                    V w0[3], w1[3];
+                    SRow::block(ch, 2 * half, c);
+                    VecForm::apply(c, w0);
+                    SRow::block(ch, 2 * half + 1, c);
+                    VecForm::apply(c, w1);
+                    for (int k = 0; k < 3; ++k) h[half][k] = DRow::pair(w0[k], w1[k]);
+                }
+                d.store16(x, h[0], h[1]);
             }
         }
         for (; x < n; x += 4) {
