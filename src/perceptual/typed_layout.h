@@ -169,6 +169,55 @@ inline T* rowAt(T* base, int step, int y) {
     return base + static_cast<std::ptrdiff_t>(y) * step;
 }
 
+// ------------------------------------------------------------ four float pixels by lanes
+// Three samples a pixel: in = r0 g0 b0 r1 | g1 b1 r2 g2 | b2 r3 g3 b3. Each
+// channel sits at lanes of the three registers that do not overlap, so two
+// blends and one lane shuffle gather it; the reverse to interleave.
+// Four samples a pixel: a 4 x 4 transpose.
+template <int Cn>
+inline void floatsToChannels(const V (&in)[Cn], V (&ch)[Cn]) {
+    if constexpr (Cn == 3) {
+        const VF a = _mm_castsi128_ps(in[0]), b = _mm_castsi128_ps(in[1]), c = _mm_castsi128_ps(in[2]);
+        const VF r = _mm_blend_ps(_mm_blend_ps(a, b, 0x4), c, 0x2);  // r0 r3 r2 r1
+        const VF g = _mm_blend_ps(_mm_blend_ps(b, a, 0x2), c, 0x4);  // g1 g0 g3 g2
+        const VF bl = _mm_blend_ps(_mm_blend_ps(c, b, 0x2), a, 0x4); // b2 b1 b0 b3
+        ch[0] = _mm_shuffle_epi32(_mm_castps_si128(r), _MM_SHUFFLE(1, 2, 3, 0));
+        ch[1] = _mm_shuffle_epi32(_mm_castps_si128(g), _MM_SHUFFLE(2, 3, 0, 1));
+        ch[2] = _mm_shuffle_epi32(_mm_castps_si128(bl), _MM_SHUFFLE(3, 0, 1, 2));
+    } else {
+        const VF p0 = _mm_castsi128_ps(in[0]), p1 = _mm_castsi128_ps(in[1]);
+        const VF p2 = _mm_castsi128_ps(in[2]), p3 = _mm_castsi128_ps(in[3]);
+        const VF t0 = _mm_unpacklo_ps(p0, p1), t1 = _mm_unpacklo_ps(p2, p3);  // c0 c0 c1 c1 of pixels 0 1, 2 3
+        const VF t2 = _mm_unpackhi_ps(p0, p1), t3 = _mm_unpackhi_ps(p2, p3);  // c2 c2 c3 c3
+        ch[0] = _mm_castps_si128(_mm_movelh_ps(t0, t1));
+        ch[1] = _mm_castps_si128(_mm_movehl_ps(t1, t0));
+        ch[2] = _mm_castps_si128(_mm_movelh_ps(t2, t3));
+        ch[3] = _mm_castps_si128(_mm_movehl_ps(t3, t2));
+    }
+}
+
+inline void channelsToFloats(const V (&ch)[4], V (&out)[3]) {
+    const VF r = _mm_castsi128_ps(_mm_shuffle_epi32(ch[0], _MM_SHUFFLE(1, 2, 3, 0)));  // r0 r3 r2 r1
+    const VF g = _mm_castsi128_ps(_mm_shuffle_epi32(ch[1], _MM_SHUFFLE(2, 3, 0, 1)));  // g1 g0 g3 g2
+    const VF b = _mm_castsi128_ps(_mm_shuffle_epi32(ch[2], _MM_SHUFFLE(3, 0, 1, 2)));  // b2 b1 b0 b3
+    out[0] = _mm_castps_si128(_mm_blend_ps(_mm_blend_ps(r, g, 0x2), b, 0x4));  // r0 g0 b0 r1
+    out[1] = _mm_castps_si128(_mm_blend_ps(_mm_blend_ps(g, b, 0x2), r, 0x4));  // g1 b1 r2 g2
+    out[2] = _mm_castps_si128(_mm_blend_ps(_mm_blend_ps(b, r, 0x2), g, 0x4));  // b2 r3 g3 b3
+}
+
+// Pixel registers c0 c1 c2 c3; WithFourth false: lane 3 is a copy of c2, never stored.
+template <bool WithFourth>
+inline void channelsToPixels(const V (&ch)[4], V (&px)[4]) {
+    const VF c0 = _mm_castsi128_ps(ch[0]), c1 = _mm_castsi128_ps(ch[1]), c2 = _mm_castsi128_ps(ch[2]);
+    const VF c3 = WithFourth ? _mm_castsi128_ps(ch[3]) : c2;
+    const VF t0 = _mm_unpacklo_ps(c0, c1), t1 = _mm_unpackhi_ps(c0, c1);
+    const VF u0 = _mm_unpacklo_ps(c2, c3), u1 = _mm_unpackhi_ps(c2, c3);
+    px[0] = _mm_castps_si128(_mm_movelh_ps(t0, u0));
+    px[1] = _mm_castps_si128(_mm_movehl_ps(u0, t0));
+    px[2] = _mm_castps_si128(_mm_movelh_ps(t1, u1));
+    px[3] = _mm_castps_si128(_mm_movehl_ps(u1, t1));
+}
+
 // ------------------------------------------------------------ blocks and pixels
 struct Block {
     VF c[3];  // colour channels in the model's order, as floats
@@ -204,6 +253,12 @@ struct SrcC {
             V in[NV];
             loadExact<Shape<Cn, Sz>::kBytes>(p + Cn * x, in);
             V ch[Cn];
+            if constexpr (Sz == 4) {
+                floatsToChannels(in, ch);
+                for (int k = 0; k < 3; ++k) b.c[k] = _mm_castsi128_ps(ch[Swap ? 2 - k : k]);
+                b.fourth = Cn == 4 ? ch[Cn - 1] : zero();
+                return;
+            }
             for (int c = 0; c < Cn; ++c) {
                 V acc = _mm_shuffle_epi8(in[0], mask(t.gather[0][c]));
                 for (int v = 1; v < NV; ++v) acc = _mm_or_si128(acc, _mm_shuffle_epi8(in[v], mask(t.gather[v][c])));
@@ -299,6 +354,24 @@ struct DstC {
             ch[3] = fourth;
             constexpr int colours = F == Fourth::FromSrc ? 4 : 3;
             V out[NV];
+            if constexpr (Sz == 4) {
+                T* q = p + Cn * x;
+                if constexpr (Cn == 3) {
+                    channelsToFloats(ch, out);
+                    storeExact<48, Aligned>(q, out);
+                } else {
+                    V px[4];
+                    channelsToPixels<F == Fourth::FromSrc>(ch, px);
+                    // Keep: three samples a pixel written, the fourth untouched
+                    for (int v = 0; v < 4; ++v) {
+                        if constexpr (F == Fourth::Keep)
+                            storeExact<12>(q + 4 * v, &px[v]);
+                        else
+                            storeExact<16>(q + 4 * v, &px[v]);
+                    }
+                }
+                return;
+            }
             for (int v = 0; v < NV; ++v) {
                 V acc = _mm_shuffle_epi8(ch[0], mask(t.scatter[v][0]));
                 for (int c = 1; c < colours; ++c) acc = _mm_or_si128(acc, _mm_shuffle_epi8(ch[c], mask(t.scatter[v][c])));
