@@ -156,10 +156,18 @@ inline X wrapHue(X hd) {
     return pick(lt(hd, 0.0f), hd + 360.0f, hd);
 }
 
+// The same for a hue that ends as an integer sample: 360 or 0 added, so a -0
+// becomes +0, which converts to the same 0; no selection step.
+inline VF wrapHueToSample(VF hd) {
+    return hd + _mm_and_ps(lt(hd, 0.0f), splat(360.0f));
+}
+
 // ------------------------------------------------------------ forward, integer main paths
 // Paths 1 (Recip = Estimate, 8u RGB) and 2 (Recip = Refined, 16u/16s).
 // An achromatic lane has its denominator replaced by 0.5 and its hue
-// reciprocal masked to 0 before use; its H and S are 0.
+// reciprocal masked to 0 before use; its H and S are 0. On integer samples
+// those lanes need no further mask: S is a finite reciprocal times d = 0, and
+// with R = G = B the hue is (G - B) x 0 = 0 on the R branch.
 template <class Scale, class Recip, class Conv>
 struct FwdMain {
     static void apply(const VF (&in)[3], V (&o)[3]) {
@@ -167,8 +175,8 @@ struct FwdMain {
         const auto st = start(R, G, B);
         const VF z = eq(st.d, 0.0f);
         const VF den = satDenominator<Scale>(st.Lf, pick(z, 0.5f, st.s));
-        const VF sf = zeroWhere(z, saturation<Scale>(Recip::of(den), st.d));
-        const VF hd = zeroWhere(z, wrapHue(hueScaledReciprocal(st.mx, R, G, B, zeroWhere(z, Recip::of(st.d)))));
+        const VF sf = saturation<Scale>(Recip::of(den), st.d);
+        const VF hd = wrapHueToSample(hueScaledReciprocal(st.mx, R, G, B, zeroWhere(z, Recip::of(st.d))));
         o[0] = Conv::of(hd * Scale::hueOut);
         o[1] = Conv::of(st.Lf);
         o[2] = Conv::of(sf);
