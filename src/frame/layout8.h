@@ -148,6 +148,95 @@ inline void interleave(const Px& px, V (&out)[Cn]) {
     }
 }
 
+// ------------------------------------------------------------ three samples a pixel, by blends
+// 16 pixels of three samples in three vectors: input vector v holds at byte p
+// channel (v + p) mod 3, so for each channel the three inputs hold its bytes at
+// disjoint positions. Two blends gather a channel's 16 bytes into one vector and
+// one byte shuffle puts them in order; the reverse for interleaving. Three
+// shuffles each way instead of nine.
+//
+// Lane order: with Wd = 1, byte i of a channel is pixel i. With Wd = 2 or 4, the
+// channel comes in lanes of Wd bytes: byte j of lane k is pixel (16 / Wd) j + k,
+// so masking and shifting each lane gives pixels in order, 16 / Wd at a time,
+// without widening shuffles (see splitWords, splitDwords).
+struct Blend3Tables {
+    Mask16 pick1[3], pick2[3];  // [channel]: positions taken from input 1, from input 2
+    Mask16 order[3];            // [channel]: the gathered bytes in lane order
+};
+
+constexpr Blend3Tables makeBlend3Tables(int wd) {
+    Blend3Tables t{};
+    const int per = 16 / wd;
+    for (int c = 0; c < 3; ++c)
+        for (int p = 0; p < 16; ++p) {
+            const int v = ((c - p) % 3 + 3) % 3;  // the input holding channel c at byte p
+            t.pick1[c].b[p] = static_cast<int8_t>(v == 1 ? -1 : 0);
+            t.pick2[c].b[p] = static_cast<int8_t>(v == 2 ? -1 : 0);
+            const int pixel = per * (p % wd) + p / wd;
+            t.order[c].b[p] = static_cast<int8_t>((3 * pixel + c) % 16);
+        }
+    return t;
+}
+
+template <int Wd>
+inline constexpr Blend3Tables kBlend3 = makeBlend3Tables(Wd);
+
+template <int Wd = 1>
+inline void deinterleave3(const V (&in)[3], V (&c)[3]) {
+    const auto& t = kBlend3<Wd>;
+    for (int k = 0; k < 3; ++k) {
+        const V m = _mm_blendv_epi8(_mm_blendv_epi8(in[0], in[1], loadMask(t.pick1[k])), in[2], loadMask(t.pick2[k]));
+        c[k] = _mm_shuffle_epi8(m, loadMask(t.order[k]));
+    }
+}
+
+// Output vector v at byte j takes channel (v + j) mod 3 of pixel (16 v + j) / 3.
+struct Interleave3Tables {
+    Mask16 spread[3];           // [channel]: each byte of the channel where some output wants it
+    Mask16 pick1[3], pick2[3];  // [output]: positions taken from channel 1, from channel 2
+};
+
+constexpr Interleave3Tables makeInterleave3Tables() {
+    Interleave3Tables t{};
+    for (int j = 0; j < 16; ++j) {
+        for (int c = 0; c < 3; ++c) {
+            const int v = ((c - j) % 3 + 3) % 3;  // the output wanting channel c at byte j
+            t.spread[c].b[j] = static_cast<int8_t>((16 * v + j) / 3);
+        }
+        for (int v = 0; v < 3; ++v) {
+            const int c = (v + j) % 3;
+            t.pick1[v].b[j] = static_cast<int8_t>(c == 1 ? -1 : 0);
+            t.pick2[v].b[j] = static_cast<int8_t>(c == 2 ? -1 : 0);
+        }
+    }
+    return t;
+}
+
+inline constexpr Interleave3Tables kInterleave3 = makeInterleave3Tables();
+
+inline void interleave3(const V (&c)[3], V (&out)[3]) {
+    const auto& t = kInterleave3;
+    V s[3];
+    for (int k = 0; k < 3; ++k) s[k] = _mm_shuffle_epi8(c[k], loadMask(t.spread[k]));
+    for (int v = 0; v < 3; ++v)
+        out[v] = _mm_blendv_epi8(_mm_blendv_epi8(s[0], s[1], loadMask(t.pick1[v])), s[2], loadMask(t.pick2[v]));
+}
+
+// A channel in lanes of two bytes (deinterleave3<2>): pixels 0..7 and 8..15 as 16-bit words.
+inline void splitWords(V c, V& lo, V& hi) {
+    lo = _mm_and_si128(c, _mm_set1_epi16(0xff));
+    hi = _mm_srli_epi16(c, 8);
+}
+
+// A channel in lanes of four bytes (deinterleave3<4>): pixels 4j..4j+3 as 32-bit words.
+inline void splitDwords(V c, V (&q)[4]) {
+    const V low = _mm_set1_epi32(0xff);
+    q[0] = _mm_and_si128(c, low);
+    q[1] = _mm_and_si128(_mm_srli_epi32(c, 8), low);
+    q[2] = _mm_and_si128(_mm_srli_epi32(c, 16), low);
+    q[3] = _mm_srli_epi32(c, 24);
+}
+
 inline void swap02(Px& px) {
     const V t = px.c[0];
     px.c[0] = px.c[2];

@@ -5,18 +5,19 @@
 #include "frame/region.h"
 #include "impl_decls.h"
 #include "matrix/ycbcr_forms.h"
+#include "matrix/ycbcr_rows.h"
 
 using namespace kro;
 using namespace kro::ycbcr;
 
 namespace {
 
-using Rgb3 = SrcC8<3, false>;
+using Rgb3 = SrcC3Blend<false>;
 using Rgb4 = SrcC8<4, false>;  // fourth sample never read by the tail
 using Planes3 = SrcP8<3>;
 using Planes3A = SrcP8Aligned<3>;
-using Out3 = DstC8<3, false, Alpha::None>;
-using OutBgr3 = DstC8<3, true, Alpha::None>;
+using Out3 = DstC3Blend<false>;
+using OutBgr3 = DstC3Blend<true>;
 using Out4Keep = DstC8<4, false, Alpha::Keep>;
 using Out4Zero = DstC8<4, false, Alpha::ZeroMain>;
 using Out4Aval = DstC8<4, false, Alpha::Aval>;
@@ -31,7 +32,7 @@ using OutP3A = DstP8Aligned<3>;
 KroStatus impl_kroiRGBToYCbCr_8u_C3R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize) {
     if (anyNull(pSrc, pDst)) return kroStatusNullPointer;
     if (badSize(roiSize)) return kroStatusBadSize;
-    Kernel8<16, 16, Fwd2, Fwd1>::region(Rgb3{pSrc, srcStep}, Out3{pDst, dstStep}, roiSize);
+    KernelYcc<16, 16, Fwd2, Fwd1>::region(Rgb3{pSrc, srcStep}, Out3{pDst, dstStep}, roiSize);
     return kroStatusOk;
 }
 
@@ -48,7 +49,7 @@ KroStatus impl_kroiRGBToYCbCr_8u_C3P3R(const Kro8u* pSrc, int srcStep, Kro8u* co
                                         kroiSize roiSize) {
     if (anyNull(pSrc, pDst) || anyPlaneNull(pDst, 3)) return kroStatusNullPointer;
     if (badSize(roiSize)) return kroStatusBadSize;
-    Kernel8<16, 8, Fwd3, Fwd1>::region(Rgb3{pSrc, srcStep}, OutP3{pDst, dstStep}, roiSize);
+    KernelYcc<16, 8, Fwd3, Fwd1>::region(Rgb3{pSrc, srcStep}, OutP3{pDst, dstStep}, roiSize);
     return kroStatusOk;
 }
 
@@ -79,7 +80,7 @@ KroStatus impl_kroiRGBToYCbCr_8u_P3R(const Kro8u* const pSrc[3], int srcStep, Kr
 KroStatus impl_kroiYCbCrToRGB_8u_C3R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize) {
     if (anyNull(pSrc, pDst)) return kroStatusNullPointer;
     if (badSize(roiSize)) return kroStatusBadSize;
-    Kernel8<16, 8, Inv4, Inv2>::region(Rgb3{pSrc, srcStep}, Out3{pDst, dstStep}, roiSize);
+    KernelYcc<16, 8, Inv4, Inv2>::region(Rgb3{pSrc, srcStep}, Out3{pDst, dstStep}, roiSize);
     return kroStatusOk;
 }
 

@@ -156,10 +156,18 @@ inline X wrapHue(X hd) {
     return pick(lt(hd, 0.0f), hd + 360.0f, hd);
 }
 
+// The same for a hue that ends as an integer sample: 360 or 0 added, so a -0
+// becomes +0, which converts to the same 0; no selection step.
+inline VF wrapHueToSample(VF hd) {
+    return hd + _mm_and_ps(lt(hd, 0.0f), splat(360.0f));
+}
+
 // ------------------------------------------------------------ forward, integer main paths
 // Paths 1 (Recip = Estimate, 8u RGB) and 2 (Recip = Refined, 16u/16s).
 // An achromatic lane has its denominator replaced by 0.5 and its hue
-// reciprocal masked to 0 before use; its H and S are 0.
+// reciprocal masked to 0 before use; its H and S are 0. On integer samples
+// those lanes need no further mask: S is a finite reciprocal times d = 0, and
+// with R = G = B the hue is (G - B) x 0 = 0 on the R branch.
 template <class Scale, class Recip, class Conv>
 struct FwdMain {
     static void apply(const VF (&in)[3], V (&o)[3]) {
@@ -167,8 +175,8 @@ struct FwdMain {
         const auto st = start(R, G, B);
         const VF z = eq(st.d, 0.0f);
         const VF den = satDenominator<Scale>(st.Lf, pick(z, 0.5f, st.s));
-        const VF sf = zeroWhere(z, saturation<Scale>(Recip::of(den), st.d));
-        const VF hd = zeroWhere(z, wrapHue(hueScaledReciprocal(st.mx, R, G, B, zeroWhere(z, Recip::of(st.d)))));
+        const VF sf = saturation<Scale>(Recip::of(den), st.d);
+        const VF hd = wrapHueToSample(hueScaledReciprocal(st.mx, R, G, B, zeroWhere(z, Recip::of(st.d))));
         o[0] = Conv::of(hd * Scale::hueOut);
         o[1] = Conv::of(st.Lf);
         o[2] = Conv::of(sf);
@@ -212,9 +220,27 @@ struct FwdTail {
     }
 };
 
-// ------------------------------------------------------------ forward, 32f (scalar only)
-// True division; achromatic when d is at most 2^-23; no clamp.
+// ------------------------------------------------------------ forward, 32f
+// True division; achromatic when d is at most 2^-23; no clamp. The row is one
+// loop of this per-pixel form; four pixels go through the vector version at
+// once, which takes the same divisions of the same operands (the branch's
+// numerator and denominator are chosen first, then divided once), so every
+// lane holds the scalar form's bits, NaN and signed zeros included.
 struct FwdFloat {
+    static void apply(const VF (&in)[3], V (&o)[3]) {
+        const VF R = in[0], G = in[1], B = in[2];
+        const auto st = start(R, G, B);
+        const VF grey = le(st.d, kEps32);
+        const VF sf = st.d / pick(le(st.Lf, 0.5f), st.s, 2.0f - st.s);
+        const VF isR = eq(st.mx, R), isG = eq(st.mx, G);
+        const VF q = byDominant(st.mx, R, G, (G - B) * 60.0f, (B - R) * 60.0f, (R - G) * 60.0f) / st.d;
+        // R: q itself (no offset added, so a -0 stays -0); G: 120 + q; B: q + 240
+        const VF hd = pick(isR, q, pick(isG, 120.0f + q, q + 240.0f));
+        o[0] = AsFloat::of(zeroWhere(grey, wrapHue(hd) / 360.0f));
+        o[1] = AsFloat::of(st.Lf);
+        o[2] = AsFloat::of(zeroWhere(grey, sf));
+    }
+
     static void apply(const float (&in)[3], float (&o)[3]) {
         const float R = in[0], G = in[1], B = in[2];
         const auto st = start(R, G, B);
@@ -394,7 +420,7 @@ using Fwd1TailNearest = FwdTail<Scale8, Nearest>;        // 8u RGB AC4
 using Fwd2Main = FwdMain<Scale16, Refined, Nearest>;     // 16u, 16s
 using Fwd2Tail = FwdTail<Scale16, Trunc>;
 using Fwd3Main = FwdMainBgr;                             // 8u BGR
-using Fwd4 = FwdFloat;                                   // 32f
+using Fwd4 = FwdFloat;                                   // 32f (vector and scalar the same numbers)
 
 // Inverse (R, G, B out).
 using Inv1Main = Inv<HueMul8, UnitMul8, M2LowProduct, M2HighDiff, EdgeTD, Grey::Ramp, ToSample<255, Nearest>>;

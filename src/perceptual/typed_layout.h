@@ -13,8 +13,10 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <type_traits>
 
 #include "frame/forms.h"
+#include "frame/layout8.h"
 
 namespace kro::typed {
 
@@ -167,6 +169,55 @@ inline T* rowAt(T* base, int step, int y) {
     return base + static_cast<std::ptrdiff_t>(y) * step;
 }
 
+// ------------------------------------------------------------ four float pixels by lanes
+// Three samples a pixel: in = r0 g0 b0 r1 | g1 b1 r2 g2 | b2 r3 g3 b3. Each
+// channel sits at lanes of the three registers that do not overlap, so two
+// blends and one lane shuffle gather it; the reverse to interleave.
+// Four samples a pixel: a 4 x 4 transpose.
+template <int Cn>
+inline void floatsToChannels(const V (&in)[Cn], V (&ch)[Cn]) {
+    if constexpr (Cn == 3) {
+        const VF a = _mm_castsi128_ps(in[0]), b = _mm_castsi128_ps(in[1]), c = _mm_castsi128_ps(in[2]);
+        const VF r = _mm_blend_ps(_mm_blend_ps(a, b, 0x4), c, 0x2);  // r0 r3 r2 r1
+        const VF g = _mm_blend_ps(_mm_blend_ps(b, a, 0x2), c, 0x4);  // g1 g0 g3 g2
+        const VF bl = _mm_blend_ps(_mm_blend_ps(c, b, 0x2), a, 0x4); // b2 b1 b0 b3
+        ch[0] = _mm_shuffle_epi32(_mm_castps_si128(r), _MM_SHUFFLE(1, 2, 3, 0));
+        ch[1] = _mm_shuffle_epi32(_mm_castps_si128(g), _MM_SHUFFLE(2, 3, 0, 1));
+        ch[2] = _mm_shuffle_epi32(_mm_castps_si128(bl), _MM_SHUFFLE(3, 0, 1, 2));
+    } else {
+        const VF p0 = _mm_castsi128_ps(in[0]), p1 = _mm_castsi128_ps(in[1]);
+        const VF p2 = _mm_castsi128_ps(in[2]), p3 = _mm_castsi128_ps(in[3]);
+        const VF t0 = _mm_unpacklo_ps(p0, p1), t1 = _mm_unpacklo_ps(p2, p3);  // c0 c0 c1 c1 of pixels 0 1, 2 3
+        const VF t2 = _mm_unpackhi_ps(p0, p1), t3 = _mm_unpackhi_ps(p2, p3);  // c2 c2 c3 c3
+        ch[0] = _mm_castps_si128(_mm_movelh_ps(t0, t1));
+        ch[1] = _mm_castps_si128(_mm_movehl_ps(t1, t0));
+        ch[2] = _mm_castps_si128(_mm_movelh_ps(t2, t3));
+        ch[3] = _mm_castps_si128(_mm_movehl_ps(t3, t2));
+    }
+}
+
+inline void channelsToFloats(const V (&ch)[4], V (&out)[3]) {
+    const VF r = _mm_castsi128_ps(_mm_shuffle_epi32(ch[0], _MM_SHUFFLE(1, 2, 3, 0)));  // r0 r3 r2 r1
+    const VF g = _mm_castsi128_ps(_mm_shuffle_epi32(ch[1], _MM_SHUFFLE(2, 3, 0, 1)));  // g1 g0 g3 g2
+    const VF b = _mm_castsi128_ps(_mm_shuffle_epi32(ch[2], _MM_SHUFFLE(3, 0, 1, 2)));  // b2 b1 b0 b3
+    out[0] = _mm_castps_si128(_mm_blend_ps(_mm_blend_ps(r, g, 0x2), b, 0x4));  // r0 g0 b0 r1
+    out[1] = _mm_castps_si128(_mm_blend_ps(_mm_blend_ps(g, b, 0x2), r, 0x4));  // g1 b1 r2 g2
+    out[2] = _mm_castps_si128(_mm_blend_ps(_mm_blend_ps(b, r, 0x2), g, 0x4));  // b2 r3 g3 b3
+}
+
+// Pixel registers c0 c1 c2 c3; WithFourth false: lane 3 is a copy of c2, never stored.
+template <bool WithFourth>
+inline void channelsToPixels(const V (&ch)[4], V (&px)[4]) {
+    const VF c0 = _mm_castsi128_ps(ch[0]), c1 = _mm_castsi128_ps(ch[1]), c2 = _mm_castsi128_ps(ch[2]);
+    const VF c3 = WithFourth ? _mm_castsi128_ps(ch[3]) : c2;
+    const VF t0 = _mm_unpacklo_ps(c0, c1), t1 = _mm_unpackhi_ps(c0, c1);
+    const VF u0 = _mm_unpacklo_ps(c2, c3), u1 = _mm_unpackhi_ps(c2, c3);
+    px[0] = _mm_castps_si128(_mm_movelh_ps(t0, u0));
+    px[1] = _mm_castps_si128(_mm_movehl_ps(u0, t0));
+    px[2] = _mm_castps_si128(_mm_movelh_ps(t1, u1));
+    px[3] = _mm_castps_si128(_mm_movehl_ps(u1, t1));
+}
+
 // ------------------------------------------------------------ blocks and pixels
 struct Block {
     VF c[3];  // colour channels in the model's order, as floats
@@ -202,6 +253,12 @@ struct SrcC {
             V in[NV];
             loadExact<Shape<Cn, Sz>::kBytes>(p + Cn * x, in);
             V ch[Cn];
+            if constexpr (Sz == 4) {
+                floatsToChannels(in, ch);
+                for (int k = 0; k < 3; ++k) b.c[k] = _mm_castsi128_ps(ch[Swap ? 2 - k : k]);
+                b.fourth = Cn == 4 ? ch[Cn - 1] : zero();
+                return;
+            }
             for (int c = 0; c < Cn; ++c) {
                 V acc = _mm_shuffle_epi8(in[0], mask(t.gather[0][c]));
                 for (int v = 1; v < NV; ++v) acc = _mm_or_si128(acc, _mm_shuffle_epi8(in[v], mask(t.gather[v][c])));
@@ -214,6 +271,24 @@ struct SrcC {
             const T* q = p + Cn * x;
             for (int k = 0; k < 3; ++k) px.c[k] = Sample<T>::toFloat(q[Swap ? 2 - k : k]);
             px.fourth = Cn == 4 ? q[Cn - 1] : T{};
+        }
+        // 8u, three samples a pixel: 16 pixels at once. load16 gathers each
+        // channel into one register (byte j of lane k is pixel 4j + k); block
+        // takes out pixels 4j..4j+3 as floats, the same as load4 at x + 4j.
+        static constexpr bool kWide = Cn == 3 && Sz == 1;
+        void load16(int x, V (&ch)[3]) const {
+            static_assert(kWide, "16-pixel loads of 8u rows of three samples");
+            V in[3], c[3];
+            kro::loadBytes<3, 16>(p + Cn * x, in);
+            kro::deinterleave3<4>(in, c);
+            for (int k = 0; k < 3; ++k) ch[k] = c[Swap ? 2 - k : k];
+        }
+        static void block(const V (&ch)[3], int j, VF (&c)[3]) {
+            const V low = _mm_set1_epi32(0xff);
+            for (int k = 0; k < 3; ++k) {
+                const V w = j == 3 ? _mm_srli_epi32(ch[k], 24) : _mm_and_si128(_mm_srli_epi32(ch[k], 8 * j), low);
+                c[k] = _mm_cvtepi32_ps(w);
+            }
         }
     };
     Row row(int y) const { return {rowAt(base, step, y)}; }
@@ -279,6 +354,24 @@ struct DstC {
             ch[3] = fourth;
             constexpr int colours = F == Fourth::FromSrc ? 4 : 3;
             V out[NV];
+            if constexpr (Sz == 4) {
+                T* q = p + Cn * x;
+                if constexpr (Cn == 3) {
+                    channelsToFloats(ch, out);
+                    storeExact<48, Aligned>(q, out);
+                } else {
+                    V px[4];
+                    channelsToPixels<F == Fourth::FromSrc>(ch, px);
+                    // Keep: three samples a pixel written, the fourth untouched
+                    for (int v = 0; v < 4; ++v) {
+                        if constexpr (F == Fourth::Keep)
+                            storeExact<12>(q + 4 * v, &px[v]);
+                        else
+                            storeExact<16>(q + 4 * v, &px[v]);
+                    }
+                }
+                return;
+            }
             for (int v = 0; v < NV; ++v) {
                 V acc = _mm_shuffle_epi8(ch[0], mask(t.scatter[v][0]));
                 for (int c = 1; c < colours; ++c) acc = _mm_or_si128(acc, _mm_shuffle_epi8(ch[c], mask(t.scatter[v][c])));
@@ -295,6 +388,19 @@ struct DstC {
                 for (int v = 0; v < NV; ++v) out[v] = _mm_or_si128(out[v], _mm_and_si128(old[v], mask(t.fourth[v])));
             }
             storeExact<Shape<Cn, Sz>::kBytes, Aligned>(q, out);
+        }
+        // 8u, three samples a pixel: 16 pixels at once. pair narrows the words
+        // of two blocks to 16-bit lanes, store16 the pairs of pixels 0..7 and
+        // 8..15 to bytes: the pack steps of narrow, two blocks at a time.
+        static constexpr bool kWide = Cn == 3 && Sz == 1;
+        static V pair(V a, V b) { return _mm_packs_epi32(a, b); }
+        void store16(int x, const V (&lo)[3], const V (&hi)[3]) const {
+            static_assert(kWide, "16-pixel stores of 8u rows of three samples");
+            V ch[3];
+            for (int k = 0; k < 3; ++k) ch[Swap ? 2 - k : k] = _mm_packus_epi16(lo[k], hi[k]);
+            V out[3];
+            kro::interleave3(ch, out);
+            kro::storeBytes<3, 16>(p + Cn * x, out);
         }
         void put(int x, const typename Sample<T>::Word (&o)[3], T fourth) const {
             T* q = p + Cn * x;
@@ -346,10 +452,34 @@ template <int B, class VecForm, class TailForm, bool ByAlignment = false>
 struct KernelF {
     static_assert(B == 1 || B == 4 || B == 8, "blocks of 4 or 8 pixels, or scalar only");
 
+    // Both sides move 16 pixels at once (8u rows of three samples).
+    template <class R, class = void>
+    struct Wide : std::false_type {};
+    template <class R>
+    struct Wide<R, std::void_t<decltype(R::kWide)>> : std::bool_constant<R::kWide> {};
+
     template <bool Aligned, class SRow, class DRow>
     static int mainPath(const SRow& s, const DRow& d, int width) {
         const int n = width & ~(B - 1);
-        for (int x = 0; x < n; x += 4) {
+        int x = 0;
+        if constexpr (Wide<SRow>::value && Wide<DRow>::value && !Aligned) {
+            for (; x + 16 <= n; x += 16) {
+                V ch[3];
+                s.load16(x, ch);
+                V h[2][3];
+                for (int half = 0; half < 2; ++half) {
+                    VF c[3];
+                    V w0[3], w1[3];
+                    SRow::block(ch, 2 * half, c);
+                    VecForm::apply(c, w0);
+                    SRow::block(ch, 2 * half + 1, c);
+                    VecForm::apply(c, w1);
+                    for (int k = 0; k < 3; ++k) h[half][k] = DRow::pair(w0[k], w1[k]);
+                }
+                d.store16(x, h[0], h[1]);
+            }
+        }
+        for (; x < n; x += 4) {
             Block b;
             s.load4(x, b);
             V w[3];
