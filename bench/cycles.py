@@ -97,6 +97,26 @@ def short(path):
     return os.path.relpath(path, ROOT) if path.startswith(ROOT) else os.path.basename(path)
 
 
+def kind_of(path, n):
+    """What a source line executes: the SSE instruction of an intrinsic (the
+    compiler inlines them, so their lines stand for the instructions), a plain
+    load or store, or the line itself (loop control, scalar code)."""
+    src = source_line(path, n)
+    m = re.search(r"__builtin_ia32_(\w+?)(?:128)?\b", src)
+    if m:
+        return m.group(1)
+    if "intrin.h" in path:
+        if src == "return *__P;":
+            return "load"
+        if src.startswith("*") and "__B" in src:
+            return "store"
+        for op, name in (("|", "por"), ("&", "pand"), ("+", "padd"), ("-", "psub")):
+            if op in src:
+                return name
+        return "other intrinsic"
+    return f"{short(path)}:{n}"
+
+
 def measure(exe, job, lib, size, calls, nlines):
     with tempfile.TemporaryDirectory() as tmp:
         out = os.path.join(tmp, "callgrind.out")
@@ -116,6 +136,12 @@ def measure(exe, job, lib, size, calls, nlines):
     print("  by source file:")
     for f, ir in by_file.most_common(8):
         print(f"    {ir / pixels:7.2f}  {ir / total:6.1%}  {f}")
+    by_kind = collections.Counter()
+    for (f, n), ir in per_line.items():
+        by_kind[kind_of(f, n)] += ir
+    print("  by instruction (needs line tables):")
+    for k, ir in by_kind.most_common(14):
+        print(f"    {ir / pixels:7.2f}  {ir / total:6.1%}  {k}")
     print("  by function (inlined code counts in its caller):")
     for fn, ir in per_fn.most_common(6):
         print(f"    {ir / pixels:7.2f}  {ir / total:6.1%}  {fn[:110]}")
@@ -133,7 +159,7 @@ def main():
     ap.add_argument("--lib", default="krocc", help="krocc or a peer's name")
     ap.add_argument("--size", default="1920x1080")
     ap.add_argument("--calls", type=int, default=2)
-    ap.add_argument("--lines", type=int, default=12, help="how many of the costliest source lines to show")
+    ap.add_argument("--lines", type=int, default=0, help="also show this many of the costliest source lines")
     args = ap.parse_args()
     exe = args.exe
     if exe is None:
