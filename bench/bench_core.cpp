@@ -15,13 +15,24 @@ namespace kb {
 int channelsOf(Layout l) {
     switch (l) {
         case Layout::C1: return 1;
-        case Layout::C3: case Layout::P3: return 3;
+        case Layout::C3: case Layout::P3: case Layout::I420: case Layout::NV: case Layout::C2: return 3;
         case Layout::C4: case Layout::P4: return 4;
     }
     return 0;
 }
 
 bool planarOf(Layout l) { return l == Layout::P3 || l == Layout::P4; }
+
+bool subsampledOf(Layout l) { return l == Layout::I420 || l == Layout::NV || l == Layout::C2; }
+
+int planesOf(Layout l) {
+    switch (l) {
+        case Layout::P3: case Layout::I420: return 3;
+        case Layout::P4: return 4;
+        case Layout::NV: return 2;
+        default: return 1;
+    }
+}
 
 const char* layoutName(Layout l) {
     switch (l) {
@@ -30,35 +41,137 @@ const char* layoutName(Layout l) {
         case Layout::C4: return "C4";
         case Layout::P3: return "P3";
         case Layout::P4: return "P4";
+        case Layout::I420: return "4:2:0 planes";
+        case Layout::NV: return "4:2:0 luma + chroma pairs";
+        case Layout::C2: return "4:2:2 packed";
     }
     return "?";
 }
 
+int bytesOf(Depth d) { return d == Depth::U8 ? 1 : d == Depth::F32 ? 4 : 8; }
+
 // ------------------------------------------------------------ images
 Image::Image(Format f, int width, int height) : fmt_(f), w_(width), h_(height) {
-    const int ch = channelsOf(f.layout);
-    const int rowBytes = planarOf(f.layout) ? width : width * ch;
-    step_ = (rowBytes + 63) & ~63;
-    const int nPlanes = planarOf(f.layout) ? ch : 1;
-    const std::size_t planeBytes = std::size_t(step_) * std::size_t(height);
-    bytes_ = planeBytes * std::size_t(nPlanes);
+    const int ch = channelsOf(f.layout), bps = bytesOf(f.depth);
+    const int cw = (width + 1) / 2, chh = (height + 1) / 2;
+    auto pad = [](int bytes) { return (bytes + 63) & ~63; };
+    std::size_t offs[4] = {};
+    int nPlanes = 1;
+    switch (f.layout) {
+        case Layout::C1: case Layout::C3: case Layout::C4:
+            steps_[0] = pad(width * ch * bps);
+            bytes_ = std::size_t(steps_[0]) * height;
+            break;
+        case Layout::P3: case Layout::P4:
+            nPlanes = ch;
+            for (int k = 0; k < nPlanes; ++k) {
+                steps_[k] = pad(width * bps);
+                offs[k] = std::size_t(steps_[0]) * height * k;
+            }
+            bytes_ = std::size_t(steps_[0]) * height * nPlanes;
+            break;
+        case Layout::I420:
+            nPlanes = 3;
+            steps_[0] = width;
+            steps_[1] = steps_[2] = cw;
+            offs[1] = std::size_t(width) * height;
+            offs[2] = offs[1] + std::size_t(cw) * chh;
+            bytes_ = offs[2] + std::size_t(cw) * chh;
+            break;
+        case Layout::NV:
+            nPlanes = 2;
+            steps_[0] = width;
+            steps_[1] = 2 * cw;
+            offs[1] = std::size_t(width) * height;
+            bytes_ = offs[1] + std::size_t(2 * cw) * chh;
+            break;
+        case Layout::C2:
+            steps_[0] = pad(4 * cw);
+            bytes_ = std::size_t(steps_[0]) * height;
+            break;
+    }
     void* p = std::aligned_alloc(64, (bytes_ + 63) & ~std::size_t(63));
     mem_.reset(static_cast<Kro8u*>(p), [](Kro8u* q) { std::free(q); });
-    for (int k = 0; k < nPlanes; ++k) planes_[k] = mem_.get() + planeBytes * std::size_t(k);
+    for (int k = 0; k < nPlanes; ++k) planes_[k] = mem_.get() + offs[k];
     for (int k = 0; k < 4; ++k) cplanes_[k] = planes_[k];
     std::memset(mem_.get(), 0, bytes_);
 }
 
 std::size_t Image::pixelBytes() const {
-    return std::size_t(w_) * std::size_t(h_) * std::size_t(channelsOf(fmt_.layout));
+    const std::size_t w = std::size_t(w_), h = std::size_t(h_), cw = (w + 1) / 2, ch = (h + 1) / 2;
+    switch (fmt_.layout) {
+        case Layout::I420: case Layout::NV: return w * h + 2 * cw * ch;
+        case Layout::C2: return 4 * cw * h;
+        default: return w * h * std::size_t(channelsOf(fmt_.layout)) * std::size_t(bytesOf(fmt_.depth));
+    }
 }
 
-Kro8u& Image::at(int x, int y, int c) {
-    if (planarOf(fmt_.layout)) return planes_[c][std::size_t(y) * step_ + x];
-    return planes_[0][std::size_t(y) * step_ + std::size_t(x) * channelsOf(fmt_.layout) + c];
+Kro8u* Image::address(int x, int y, int c) const {
+    const std::size_t bps = std::size_t(bytesOf(fmt_.depth)), yy = std::size_t(y), xx = std::size_t(x);
+    switch (fmt_.layout) {
+        case Layout::P3: case Layout::P4: return planes_[c] + yy * steps_[c] + xx * bps;
+        case Layout::I420:
+            if (c == 0) return planes_[0] + yy * steps_[0] + xx;
+            return planes_[c] + yy / 2 * steps_[c] + xx / 2;
+        case Layout::NV:
+            if (c == 0) return planes_[0] + yy * steps_[0] + xx;
+            return planes_[1] + yy / 2 * steps_[1] + xx / 2 * 2 + std::size_t(c - 1);
+        case Layout::C2: {
+            Kro8u* pair = planes_[0] + yy * steps_[0] + xx / 2 * 4;
+            if (fmt_.order[c] != 'Y') return pair + c;
+            const char* y0 = std::strchr(fmt_.order, 'Y');
+            const char* yn = (x & 1) ? std::strchr(y0 + 1, 'Y') : y0;
+            return pair + (yn - fmt_.order);
+        }
+        default:
+            return planes_[0] + yy * steps_[0] + (xx * std::size_t(channelsOf(fmt_.layout)) + std::size_t(c)) * bps;
+    }
 }
 
-Kro8u Image::at(int x, int y, int c) const { return const_cast<Image*>(this)->at(x, y, c); }
+Kro8u& Image::at(int x, int y, int c) { return *address(x, y, c); }
+
+Kro8u Image::at(int x, int y, int c) const { return *address(x, y, c); }
+
+double Image::value(int x, int y, int c) const {
+    const Kro8u* p = address(x, y, c);
+    switch (fmt_.depth) {
+        case Depth::F32: {
+            float v;
+            std::memcpy(&v, p, sizeof v);
+            return double(v) * 255.0;
+        }
+        case Depth::F64: {
+            double v;
+            std::memcpy(&v, p, sizeof v);
+            return v * 255.0;
+        }
+        default: return double(*p);
+    }
+}
+
+void Image::setValue(int x, int y, int c, double v) {
+    Kro8u* p = address(x, y, c);
+    switch (fmt_.depth) {
+        case Depth::F32: {
+            const float f = float(v / 255.0);
+            std::memcpy(p, &f, sizeof f);
+            break;
+        }
+        case Depth::F64: {
+            const double d = v / 255.0;
+            std::memcpy(p, &d, sizeof d);
+            break;
+        }
+        default: *p = Kro8u(std::clamp(std::nearbyint(v), 0.0, 255.0));
+    }
+}
+
+bool Image::holds(int x, int y, int c, Kro8u v) const {
+    const Kro8u* p = address(x, y, c);
+    for (int k = 0; k < bytesOf(fmt_.depth); ++k)
+        if (p[k] != v) return false;
+    return true;
+}
 
 void Image::fill(Kro8u v) { std::memset(mem_.get(), v, bytes_); }
 
@@ -209,45 +322,71 @@ void channelIndex(const Format& f, int idx[3]) {
 }
 
 Tri sampleOf(const Image& img, const int idx[3], int x, int y) {
-    return {double(img.at(x, y, idx[0])), double(img.at(x, y, idx[1])), double(img.at(x, y, idx[2]))};
+    return {img.value(x, y, idx[0]), img.value(x, y, idx[1]), img.value(x, y, idx[2])};
 }
 
 }  // namespace
 
 void encodePicture(const Picture& p, Image& img) {
     const Format f = img.format();
-    const int nch = channelsOf(f.layout);
+    const int nsamples = int(std::strlen(f.order));
     const char* alpha = std::strchr(f.order, 'A');
     const int ia = alpha ? int(alpha - f.order) : -1;
     int idx[3];
     channelIndex(f, idx);
+    const int n = f.model == Model::Gray ? 1 : 3;
+    auto encoded = [&](int x, int y) {
+        const Kro8u* s = &p.rgb[(std::size_t(y) * p.width + x) * 3];
+        return encode(f.model, {double(s[0]), double(s[1]), double(s[2])});
+    };
     for (int y = 0; y < img.height(); ++y)
         for (int x = 0; x < img.width(); ++x) {
             const Kro8u* s = &p.rgb[(std::size_t(y) * p.width + x) * 3];
             if (f.model == Model::Opaque) {
-                for (int c = 0; c < nch; ++c) img.at(x, y, c) = s[c % 3];
+                for (int c = 0; c < nsamples; ++c) img.setValue(x, y, c, s[c % 3]);
                 continue;
             }
-            const Tri e = encode(f.model, {double(s[0]), double(s[1]), double(s[2])});
+            const Tri e = encoded(x, y);
             const double v[3] = {e.a, e.b, e.c};
-            const int n = f.model == Model::Gray ? 1 : 3;
-            for (int k = 0; k < n; ++k) img.at(x, y, idx[k]) = Kro8u(std::clamp(std::nearbyint(v[k]), 0.0, 255.0));
-            if (ia >= 0) img.at(x, y, ia) = Kro8u((x + 3 * y) & 255);
+            // Subsampled chroma is written once a block, below.
+            for (int k = 0; k < (subsampledOf(f.layout) ? 1 : n); ++k) img.setValue(x, y, idx[k], v[k]);
+            if (ia >= 0) img.setValue(x, y, ia, (x + 3 * y) & 255);
+        }
+    if (!subsampledOf(f.layout) || f.model == Model::Opaque) return;
+    // Chroma of a block: the mean of its pixels' encoded chroma.
+    const int bh = f.layout == Layout::C2 ? 1 : 2;
+    for (int y = 0; y < img.height(); y += bh)
+        for (int x = 0; x < img.width(); x += 2) {
+            double u = 0, v = 0;
+            int m = 0;
+            for (int dy = 0; dy < bh && y + dy < img.height(); ++dy)
+                for (int dx = 0; dx < 2 && x + dx < img.width(); ++dx, ++m) {
+                    const Tri e = encoded(x + dx, y + dy);
+                    u += e.b;
+                    v += e.c;
+                }
+            img.setValue(x, y, idx[1], u / m);
+            img.setValue(x, y, idx[2], v / m);
         }
 }
 
-Agreement compare(const Image& ours, const Image& theirs, Kro8u fillValue) {
+Agreement compare(const Image& ours, const Image& theirs, Kro8u fillValue, Layout source) {
     Agreement a;
     const Format fo = ours.format(), ft = theirs.format();
-    const int w = std::min(ours.width(), theirs.width()), h = std::min(ours.height(), theirs.height());
+    int w = std::min(ours.width(), theirs.width()), h = std::min(ours.height(), theirs.height());
+    // Subsampled: whole chroma blocks only (an odd last column or row is
+    // left unwritten by some operations).
+    if (subsampledOf(fo.layout) || subsampledOf(ft.layout) || subsampledOf(source)) w &= ~1;
+    for (Layout l : {fo.layout, ft.layout, source})
+        if (l == Layout::I420 || l == Layout::NV) h &= ~1;
     std::size_t unwritten = 0, samples = 0;
-    const int nt = channelsOf(ft.layout);
+    const int nt = int(std::strlen(ft.order));
     for (int y = 0; y < h; ++y)
         for (int x = 0; x < w; ++x)
             for (int c = 0; c < nt; ++c) {
                 if (ft.order[c] == 'x') continue;
                 ++samples;
-                unwritten += theirs.at(x, y, c) == fillValue;
+                unwritten += theirs.holds(x, y, c, fillValue);
             }
     a.unwritten = samples ? double(unwritten) / double(samples) : 1.0;
     if (fo.model == Model::Opaque || ft.model == Model::Opaque) return a;

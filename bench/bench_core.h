@@ -16,12 +16,24 @@ namespace kb {
 
 // ------------------------------------------------------------ layouts
 // C1/C3/C4: interleaved, 1, 3 or 4 samples a pixel. P3/P4: that many planes,
-// one step for all planes.
-enum class Layout { C1, C3, C4, P3, P4 };
+// one step for all planes. Subsampled, rows not padded (a frame as video code
+// stores it, the planes one after another): I420, a luma plane and two chroma
+// planes of half width and half height; NV, a luma plane and one plane of
+// chroma pairs, half height; C2, packed 4:2:2 (two pixels in four bytes, rows
+// padded like the interleaved layouts).
+enum class Layout { C1, C3, C4, P3, P4, I420, NV, C2 };
 
+// Channels of the model a pixel carries (3 for the subsampled layouts).
 int channelsOf(Layout l);
 bool planarOf(Layout l);
+bool subsampledOf(Layout l);
+// Planes (1 for the interleaved and packed layouts).
+int planesOf(Layout l);
 const char* layoutName(Layout l);
+
+// Sample type: bytes, or floats of 4 or 8 bytes holding 0..1 for 0..255.
+enum class Depth { U8, F32, F64 };
+int bytesOf(Depth d);
 
 // ------------------------------------------------------------ colour models
 // What the samples of an image mean. The check decodes both outputs to RGB
@@ -38,15 +50,19 @@ enum class Model {
 
 // A format: layout, model, and which sample (or plane) holds which channel of
 // the model: a string over the model's letters ("RGB", "BGRA", "GBR", "YUVA",
-// "YVU"; 'A' is alpha, 'x' a byte nobody reads).
+// "YVU"; 'A' is alpha, 'x' a byte nobody reads). I420: the planes' order
+// ("YUV", "YVU"); NV: "YUV" for U first in the pairs, "YVU" for V first; C2:
+// the four bytes of a pixel pair ("YUYV", "UYVY", "YVYU").
 struct Format {
     Layout layout;
     Model model;
     const char* order;
+    Depth depth = Depth::U8;
 };
 
 // ------------------------------------------------------------ images
-// A 64-byte aligned image; rows padded to a multiple of 64 bytes.
+// A 64-byte aligned image; rows padded to a multiple of 64 bytes (except in
+// the I420 and NV layouts, whose planes follow each other unpadded).
 class Image {
 public:
     Image() = default;
@@ -55,7 +71,10 @@ public:
     Format format() const { return fmt_; }
     int width() const { return w_; }
     int height() const { return h_; }
-    int step() const { return step_; }
+    int step() const { return steps_[0]; }
+    int step(int k) const { return steps_[k]; }
+    // Step array as the planar operations take it.
+    const int* steps() const { return steps_; }
     kroiSize size() const { return {w_, h_}; }
     // Interleaved: the image; planar: plane 0.
     Kro8u* data() { return plane(0); }
@@ -70,14 +89,22 @@ public:
     // Bytes of the whole allocation (rows with their padding).
     std::size_t totalBytes() const { return bytes_; }
 
-    // Sample of channel c (index into the order string) at (x, y).
+    // Byte sample of channel c (index into the order string; the pair's
+    // sample for subsampled chroma) at (x, y). 8-bit formats only.
     Kro8u& at(int x, int y, int c);
     Kro8u at(int x, int y, int c) const;
+    // Any depth: the sample in units of 0..255 (floats times 255).
+    double value(int x, int y, int c) const;
+    void setValue(int x, int y, int c, double v);
+    // Whether every byte of the sample still holds v.
+    bool holds(int x, int y, int c, Kro8u v) const;
     void fill(Kro8u v);
 
 private:
     Format fmt_{Layout::C3, Model::Rgb, "RGB"};
-    int w_ = 0, h_ = 0, step_ = 0;
+    int w_ = 0, h_ = 0;
+    int steps_[4] = {};
+    Kro8u* address(int x, int y, int c) const;
     std::size_t bytes_ = 0;
     std::shared_ptr<Kro8u> mem_;
     Kro8u* planes_[4] = {};
@@ -103,13 +130,14 @@ void encodePicture(const Picture& p, Image& img);
 // Loose comparison of two outputs of one job, decoded to RGB through their
 // models: mean absolute difference per sample, and the share of samples more
 // than 16 apart. Opaque: fraction of samples still holding the fill value.
+// With a subsampled output or source, whole chroma blocks only.
 struct Agreement {
     bool decoded = false;
     double meanAbs = 0.0;
     double farShare = 0.0;
     double unwritten = 0.0;
 };
-Agreement compare(const Image& ours, const Image& theirs, Kro8u fillValue);
+Agreement compare(const Image& ours, const Image& theirs, Kro8u fillValue, Layout source = Layout::C1);
 
 // ------------------------------------------------------------ the job table
 // One implementation of a job: a krocc operation or a peer's closest call.
@@ -122,7 +150,12 @@ struct Impl {
     std::string differs;  // how the job differs from krocc's (empty for krocc)
     Format in, out;
     std::function<Run(int width, int height)> prepare;
+    // Takes only even widths and heights: left out at other sizes.
+    bool evenSizes = false;
 };
+
+// Whether an implementation runs at a size.
+inline bool takes(const Impl& i, int width, int height) { return !i.evenSizes || ((width | height) & 1) == 0; }
 
 // A job: the krocc operation first, then the peers found at build time. A
 // memcpy of the source's bytes is added to every job as the bandwidth ceiling.

@@ -5,7 +5,12 @@ fastest peer; writes the same as Markdown (docs/benchmarks.md) and as a bar
 chart (docs/benchmarks.png). Python 3 standard library only.
 
   python3 bench/compare.py                      # build/bench/krocc_bench, all sizes
+  python3 bench/compare.py --quick --filter=YCbCr420 --no-docs   # a look in a minute
   python3 bench/compare.py --json results.json  # re-render earlier results
+
+A full run (every job, 1920x1080, 3840x2160 and 128x128, 3 repetitions) takes
+a while: see the time it prints at the end. --quick keeps to 1920x1080, one
+repetition and a short minimum time.
 """
 import argparse
 import json
@@ -16,6 +21,7 @@ import struct
 import subprocess
 import sys
 import tempfile
+import time
 import zlib
 
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
@@ -143,6 +149,9 @@ def markdown(data, table, sizes, jobs, libs, chart_name):
         "- Before timing, every peer's output is decoded to RGB and compared with krocc's (mean absolute difference "
         "at most 4, at most 2% of samples more than 16 apart, destination written): a call that silently did "
         "nothing stops the run.",
+        "- Figures count pixels, whatever each side reads and writes for one: where a peer has no call with "
+        "krocc's layout (libyuv's `YUY2ToARGB` writes 4 bytes a pixel beside krocc's 3), the closest call is "
+        "timed and the table below says so.",
         f"- Figures are Mpix/s (pixels per second of CPU time / 10^6), the median of {reps} repetitions; "
         "`krocc / fastest peer` divides krocc's figure by the best of OpenCV, libyuv and swscale (memcpy is not a "
         "peer: it copies the source's bytes, the bandwidth ceiling).",
@@ -155,6 +164,7 @@ def markdown(data, table, sizes, jobs, libs, chart_name):
            "build/bench/krocc_bench --sizes=1920x1080,128x128 --benchmark_filter=/krocc/   # krocc alone",
            "python3 bench/compare.py               # beside the peers: prints the table, writes docs/benchmarks.*",
            "python3 bench/compare.py --peers-sse   # the peers limited to SSE4.2: docs/benchmarks-sse.*",
+           "python3 bench/compare.py --quick --filter=YCbCr420 --no-docs   # a quick look, 1920x1080 only",
            "```", "",
            "Peers missing at build time (CMake says which) are left out; `-DKROCC_BENCH_PEERS=opencv` chooses. "
            "New operations join with one entry in a `bench/jobs_*.cpp` table.", ""]
@@ -385,7 +395,14 @@ def main():
     ap.add_argument("--peers-sse", action="store_true",
                     help="limit the peers to SSE4.2 like krocc; writes benchmarks-sse.md/.png")
     ap.add_argument("--name", help="base name of the files in --docs (default benchmarks, or benchmarks-sse)")
+    ap.add_argument("--quick", action="store_true",
+                    help="1920x1080 only (unless --sizes), one repetition, 0.05 s minimum time")
     args = ap.parse_args()
+    if args.quick:
+        args.sizes = args.sizes or "1920x1080"
+        args.repetitions = 1
+        args.min_time = min(args.min_time, 0.05)
+    started = time.monotonic()
 
     if args.json:
         with open(args.json) as f:
@@ -402,6 +419,8 @@ def main():
     present = {lib for row in table.values() for lib in row}
     libs = [lib for lib in LIBS if lib in present]
     print(text_table(table, sizes, jobs, libs))
+    if not args.json:
+        print(f"\nbenchmark run took {(time.monotonic() - started) / 60:.1f} min", file=sys.stderr)
     if args.no_docs:
         return
     name = args.name or ("benchmarks-sse" if "peers" in data["results"]["context"] else "benchmarks")

@@ -62,8 +62,8 @@ const Picture& pictureOf(Size s) {
 
 // Inputs are made once per format and size and shared by every benchmark.
 const Image& inputOf(const Format& f, Size s) {
-    static std::map<std::tuple<int, int, std::string, int, int>, Image> cache;
-    const auto key = std::make_tuple(int(f.layout), int(f.model), std::string(f.order), s.w, s.h);
+    static std::map<std::tuple<int, int, std::string, int, int, int>, Image> cache;
+    const auto key = std::make_tuple(int(f.layout), int(f.model), std::string(f.order), int(f.depth), s.w, s.h);
     auto it = cache.find(key);
     if (it == cache.end()) {
         Image img(f, s.w, s.h);
@@ -106,6 +106,7 @@ bool checkAll(const std::vector<Job>& jobs, const std::vector<Size>& sizes, cons
             for (const Impl& impl : job.impls) {
                 if (&impl != &k && !std::regex_search(job.name + "/" + impl.lib + "/" + sizeName(s), filter))
                     continue;
+                if (!takes(impl, s.w, s.h)) continue;
                 std::string verdict;
                 bool good;
                 if (impl.lib == "memcpy") {
@@ -115,7 +116,7 @@ bool checkAll(const std::vector<Job>& jobs, const std::vector<Size>& sizes, cons
                 } else {
                     const bool self = &impl == &k;
                     const Image out = self ? ref : runOnce(impl, s);
-                    const Agreement a = compare(self ? pic : ref, out, kFill);
+                    const Agreement a = compare(self ? pic : ref, out, kFill, k.in.layout);
                     char buf[160];
                     if (a.decoded) {
                         good = a.unwritten < 0.5 && a.meanAbs <= 4.0 && a.farShare <= 0.02;
@@ -165,6 +166,7 @@ std::string formatText(const Format& f) {
     static const char* models[] = {"", "analogue YUV", "BT.601 YCbCr full range", "BT.601 YCbCr studio range",
                                    "grey", "opaque"};
     std::string t = std::string(layoutName(f.layout)) + " " + f.order;
+    if (f.depth != Depth::U8) t += f.depth == Depth::F32 ? " 32f" : " 64f";
     if (f.model != Model::Rgb) t += std::string(" (") + models[int(f.model)] + ")";
     return t;
 }
@@ -285,7 +287,8 @@ int main(int argc, char** argv) {
     for (const Job& job : keep)
         for (Size s : sizes)
             for (const Impl& impl : job.impls)
-                benchmark::RegisterBenchmark((job.name + "/" + impl.lib + "/" + sizeName(s)).c_str(), benchImpl,
+                if (takes(impl, s.w, s.h))
+                    benchmark::RegisterBenchmark((job.name + "/" + impl.lib + "/" + sizeName(s)).c_str(), benchImpl,
                                              &impl, s);
     if (ownFormat) {
         benchmark::RunSpecifiedBenchmarks();

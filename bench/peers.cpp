@@ -32,6 +32,24 @@ namespace {
 
 // ------------------------------------------------------------ OpenCV
 #if KB_HAVE_OPENCV
+namespace {
+// The image wrapped in place as cvtColor takes it: a 4:2:0 frame is one
+// single-channel matrix of 3H/2 rows (luma, then the chroma planes or pairs),
+// 4:2:2 packed two channels a pixel.
+cv::Mat matOf(Image& img) {
+    const Format f = img.format();
+    const int w = img.width(), h = img.height();
+    const std::size_t step = std::size_t(img.step());
+    switch (f.layout) {
+        case Layout::I420: case Layout::NV: return cv::Mat(h * 3 / 2, w, CV_8UC1, img.data(), step);
+        case Layout::C2: return cv::Mat(h, w, CV_8UC2, img.data(), step);
+        default: break;
+    }
+    const int depth = f.depth == Depth::F32 ? CV_32F : f.depth == Depth::F64 ? CV_64F : CV_8U;
+    return cv::Mat(h, w, CV_MAKETYPE(depth, channelsOf(f.layout)), img.data(), step);
+}
+}  // namespace
+
 Impl opencvCvt(int code, int dcn, Format in, Format out, std::string call, std::string differs) {
     Impl i;
     i.lib = "opencv";
@@ -39,12 +57,11 @@ Impl opencvCvt(int code, int dcn, Format in, Format out, std::string call, std::
     i.differs = std::move(differs);
     i.in = in;
     i.out = out;
+    i.evenSizes = subsampledOf(in.layout) || subsampledOf(out.layout);  // cvtColor refuses odd 4:2:x sizes
     i.prepare = [code, dcn](int, int) -> Run {
         return [code, dcn](const Image& s, Image& d) {
-            const cv::Mat src(s.height(), s.width(), CV_8UC(channelsOf(s.format().layout)),
-                              const_cast<Kro8u*>(s.data()), std::size_t(s.step()));
-            cv::Mat dst(d.height(), d.width(), CV_8UC(channelsOf(d.format().layout)), d.data(),
-                        std::size_t(d.step()));
+            const cv::Mat src = matOf(const_cast<Image&>(s));
+            cv::Mat dst = matOf(d);
             cv::cvtColor(src, dst, code, dcn);
             // A destination of the wrong type would be reallocated and the
             // work land elsewhere: refuse to time that.
@@ -93,6 +110,29 @@ Impl libyuvToI444(Format in, Format out, std::string differs) {
     return i;
 }
 
+Impl libyuvViaArgb(std::string call, Format in, Format out, std::string differs, LibyuvToArgb toArgb,
+                   LibyuvFromArgb fromArgb) {
+    Impl i;
+    i.lib = "libyuv";
+    i.call = std::move(call) + ", 16 rows at a time";
+    i.differs = std::move(differs);
+    i.in = in;
+    i.out = out;
+    i.prepare = [toArgb, fromArgb](int width, int) -> Run {
+        const int argbStep = width * 4;
+        auto scratch = std::make_shared<std::vector<std::uint8_t>>(std::size_t(argbStep) * kRows);
+        return [toArgb, fromArgb, scratch, argbStep](const Image& s, Image& d) {
+            std::uint8_t* argb = scratch->data();
+            for (int y = 0; y < s.height(); y += kRows) {
+                const int n = std::min(kRows, s.height() - y);
+                toArgb(s.data() + std::size_t(y) * s.step(), s.step(), argb, argbStep, s.width(), n);
+                fromArgb(argb, argbStep, d, y, n);
+            }
+        };
+    };
+    return i;
+}
+
 Impl libyuvFrom444(Format in, Format out, std::string differs) {
     Impl i;
     i.lib = "libyuv";
@@ -132,10 +172,22 @@ const char* pixName(AVPixelFormat f) {
         case AV_PIX_FMT_GBRP: return "gbrp";
         case AV_PIX_FMT_YUV444P: return "yuv444p";
         case AV_PIX_FMT_YUVA444P: return "yuva444p";
+        case AV_PIX_FMT_BGR24: return "bgr24";
+        case AV_PIX_FMT_YUV420P: return "yuv420p";
+        case AV_PIX_FMT_NV12: return "nv12";
+        case AV_PIX_FMT_YUYV422: return "yuyv422";
+        case AV_PIX_FMT_UYVY422: return "uyvy422";
+        case AV_PIX_FMT_YVYU422: return "yvyu422";
         default: return "?";
     }
 }
-bool isYuv(AVPixelFormat f) { return f == AV_PIX_FMT_YUV444P || f == AV_PIX_FMT_YUVA444P; }
+bool isYuv(AVPixelFormat f) {
+    switch (f) {
+        case AV_PIX_FMT_YUV444P: case AV_PIX_FMT_YUVA444P: case AV_PIX_FMT_YUV420P: case AV_PIX_FMT_NV12:
+        case AV_PIX_FMT_YUYV422: case AV_PIX_FMT_UYVY422: case AV_PIX_FMT_YVYU422: return true;
+        default: return false;
+    }
+}
 }  // namespace
 
 Impl swscale(AVPixelFormat src, AVPixelFormat dst, bool yuvFullRange, Format in, Format out, std::string differs) {
@@ -166,10 +218,9 @@ Impl swscale(AVPixelFormat src, AVPixelFormat dst, bool yuvFullRange, Format in,
             const std::uint8_t* sp[4] = {};
             std::uint8_t* dp[4] = {};
             int sl[4] = {}, dl[4] = {};
-            const int sn = planarOf(s.format().layout) ? channelsOf(s.format().layout) : 1;
-            const int dn = planarOf(d.format().layout) ? channelsOf(d.format().layout) : 1;
-            for (int k = 0; k < sn; ++k) sp[k] = s.plane(k), sl[k] = s.step();
-            for (int k = 0; k < dn; ++k) dp[k] = d.plane(k), dl[k] = d.step();
+            const int sn = planesOf(s.format().layout), dn = planesOf(d.format().layout);
+            for (int k = 0; k < sn; ++k) sp[k] = s.plane(k), sl[k] = s.step(k);
+            for (int k = 0; k < dn; ++k) dp[k] = d.plane(k), dl[k] = d.step(k);
             sws_scale(ctx.get(), sp, sl, 0, s.height(), dp, dl);
         };
     };

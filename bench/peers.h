@@ -51,6 +51,20 @@ inline constexpr Format videoP3{Layout::P3, Model::YccVideo601, "YUV"};
 inline constexpr Format videoaP4{Layout::P4, Model::YccVideo601, "YUVA"};
 inline constexpr Format grayC1{Layout::C1, Model::Gray, "Y"};
 inline constexpr Format opaqueC3{Layout::C3, Model::Opaque, "abc"};
+inline constexpr Format bgrC3{Layout::C3, Model::Rgb, "BGR"};
+inline constexpr Format bgraC4{Layout::C4, Model::Rgb, "BGRA"};
+// 4:2:0 and 4:2:2, BT.601 studio range.
+inline constexpr Format i420{Layout::I420, Model::YccVideo601, "YUV"};
+inline constexpr Format nv12{Layout::NV, Model::YccVideo601, "YUV"};
+inline constexpr Format yuy2{Layout::C2, Model::YccVideo601, "YUYV"};
+inline constexpr Format uyvy{Layout::C2, Model::YccVideo601, "UYVY"};
+inline constexpr Format yvyu{Layout::C2, Model::YccVideo601, "YVYU"};
+// Floats, 0..1.
+inline constexpr Format rgbC3f{Layout::C3, Model::Rgb, "RGB", Depth::F32};
+inline constexpr Format opaqueC3f{Layout::C3, Model::Opaque, "abc", Depth::F32};
+inline constexpr Format grayC1f{Layout::C1, Model::Gray, "Y", Depth::F32};
+inline constexpr Format rgbC3d{Layout::C3, Model::Rgb, "RGB", Depth::F64};
+inline constexpr Format grayC1d{Layout::C1, Model::Gray, "Y", Depth::F64};
 }  // namespace fmt
 
 #if KB_HAVE_OPENCV
@@ -63,6 +77,13 @@ Impl opencvCvt(int code, int dcn, Format in, Format out, std::string call, std::
 // alpha (P4), BT.601 studio range: the pixels go through the library's ARGB
 // order first, 16 rows at a time, as its converters take only that order.
 Impl libyuvToI444(Format in, Format out, std::string differs);
+// Packed RGB through the library's ARGB order, 16 rows at a time, for the
+// destinations it writes only from ARGB: toArgb turns a strip of source rows
+// into a scratch, fromArgb writes the destination's rows y..y+rows-1 from it.
+using LibyuvToArgb = int (*)(const std::uint8_t*, int, std::uint8_t*, int, int, int);
+using LibyuvFromArgb = std::function<void(const std::uint8_t* argb, int argbStep, Image& d, int y, int rows)>;
+Impl libyuvViaArgb(std::string call, Format in, Format out, std::string differs, LibyuvToArgb toArgb,
+                   LibyuvFromArgb fromArgb);
 // 4:4:4 planes to packed RGB (C3 "RGB") or RGBA (C4, alpha 255): J444
 // (full-range BT.601) when the input's model is YccFull601, else I444 (studio).
 Impl libyuvFrom444(Format in, Format out, std::string differs);
