@@ -14,6 +14,7 @@
 #include "commands.h"
 #include "io.h"
 #include "ops.h"
+#include "typed.h"
 
 namespace kt {
 
@@ -174,11 +175,17 @@ std::string html(const std::string& s) {
 }
 
 struct Shown {
-    Trip trip;
-    std::string midFile, backFile, diffFile, midNote;
-    double thereMps = 0, backMps = 0;
+    std::string there, back, about, midFile, backFile, diffFile, midNote;
+    double thereMps = 0, backMps = 0, bound = -1;
+    bool hasBack = false, compared = false;
     Error3 err;
+    bool over() const { return compared && bound >= 0 && err.largest > bound; }
 };
+
+std::string errorText(const Shown& r) {
+    if (!r.compared) return "";
+    return std::isinf(r.err.psnr) ? std::string("identical") : fixed(r.err.psnr, 2);
+}
 
 void writeIndex(const std::string& path, const std::string& imageName, int w, int h, const std::vector<Shown>& rows,
                 const std::vector<const Conversion*>& skipped) {
@@ -188,38 +195,36 @@ void writeIndex(const std::string& path, const std::string& imageName, int w, in
          "<style>body{font-family:sans-serif;margin:1.5em}figure{display:inline-block;margin:0 .6em .6em 0;"
          "vertical-align:top}figcaption{font-size:small;max-width:460px}img{image-rendering:pixelated;"
          "max-width:100%;border:1px solid #ccc}td,th{padding:0 .6em;text-align:right}"
-         "td:first-child,th:first-child{text-align:left}h2{font-size:1.05em;margin-top:1.4em}</style>\n"
+         "td:first-child,th:first-child,td:nth-child(3),th:nth-child(3){text-align:left}"
+         "h2{font-size:1.05em;margin-top:1.4em}.over{color:#b00}</style>\n"
          "</head><body>\n";
     s += "<h1>krocc demo</h1>\n<p>" + html(imageName) + ", " + std::to_string(w) + " x " + std::to_string(h) +
          " pixels, through every conversion of " + html(v->displayName) + " " + html(v->versionText) +
          " and back.</p>\n";
-    s += "<p>Pictures in YUV and other non-RGB models are shown as one <b>grey</b> picture of their three planes "
-         "side by side (Y, U, V from left to right). Alpha is not shown. A difference picture shows "
-         "128 + 32 &times; (round trip &minus; source) for each of R, G and B, limited to 0 to 255: "
+    s += "<p>Pictures in YUV and other non-RGB models are shown as one <b>grey</b> picture of their planes "
+         "side by side (Y, U, V from left to right; samples wider than 8 bits stretched from their smallest to "
+         "their largest value). Alpha is not shown. A difference picture shows "
+         "128 + 32 &times; (result &minus; source) for each of R, G and B, limited to 0 to 255: "
          "mid-grey is no difference, and one step of error is a clear tint. Speeds are the best of repeated "
-         "calls on this picture, on one thread, with the data in cache.</p>\n";
+         "calls on this picture, on one thread, with the data in cache. The bound is the largest error the "
+         "round trip is allowed.</p>\n";
     s += "<table><tr><th>conversion</th><th>Mpixel/s</th><th>back</th><th>Mpixel/s</th><th>PSNR dB</th>"
-         "<th>largest error</th></tr>\n";
+         "<th>largest error</th><th>bound</th></tr>\n";
     for (const Shown& r : rows) {
-        s += "<tr><td>" + std::string(r.trip.there->name) + "</td><td>" + fixed(r.thereMps, 0) + "</td><td>";
-        if (r.trip.back) {
-            s += std::string(r.trip.back->name) + "</td><td>" + fixed(r.backMps, 0) + "</td><td>" +
-                 (std::isinf(r.err.psnr) ? std::string("identical") : fixed(r.err.psnr, 2)) + "</td><td>" +
-                 std::to_string(r.err.largest) + "</td></tr>\n";
-        } else {
-            s += "&ndash;</td><td></td><td></td><td></td></tr>\n";
-        }
+        s += "<tr" + std::string(r.over() ? " class=\"over\"" : "") + "><td>" + r.there + "</td><td>" +
+             fixed(r.thereMps, 0) + "</td><td>" + (r.hasBack ? r.back : "&ndash;") + "</td><td>" +
+             (r.hasBack ? fixed(r.backMps, 0) : "") + "</td><td>" + errorText(r) + "</td><td>" +
+             (r.compared ? std::to_string(r.err.largest) : "") + "</td><td>" +
+             (r.bound >= 0 ? fixed(r.bound, 0) : "") + "</td></tr>\n";
     }
     s += "</table>\n<h2>Source</h2>\n<figure><img src=\"source.png\" alt=\"source\"><figcaption>source.png</figcaption></figure>\n";
     for (const Shown& r : rows) {
-        s += "<h2>" + std::string(r.trip.there->name) + (r.trip.back ? std::string(" and ") + r.trip.back->name : "") +
-             "</h2>\n";
-        s += "<figure><img src=\"" + r.midFile + "\" alt=\"" + r.trip.there->to + "\"><figcaption>" +
-             r.trip.there->name + ": " + r.trip.there->from + " to " + r.trip.there->to + " (model " +
-             r.trip.there->model + "); " + html(r.midNote) + "</figcaption></figure>\n";
-        if (r.trip.back) {
-            s += "<figure><img src=\"" + r.backFile + "\" alt=\"round trip\"><figcaption>" + r.trip.back->name +
-                 ": back to " + r.trip.back->to + "</figcaption></figure>\n";
+        s += "<h2>" + r.there + (r.hasBack ? " and " + r.back : "") + "</h2>\n";
+        s += "<figure><img src=\"" + r.midFile + "\" alt=\"result\"><figcaption>" + r.there + ": " + html(r.about) +
+             "; " + html(r.midNote) + "</figcaption></figure>\n";
+        if (r.compared) {
+            s += "<figure><img src=\"" + r.backFile + "\" alt=\"result in colour\"><figcaption>" +
+                 (r.hasBack ? r.back + ": back to RGB" : std::string("the result as RGB")) + "</figcaption></figure>\n";
             s += "<figure><img src=\"" + r.diffFile + "\" alt=\"difference\"><figcaption>difference &times;32, largest " +
                  std::to_string(r.err.largest) + "</figcaption></figure>\n";
         }
@@ -233,6 +238,27 @@ void writeIndex(const std::string& path, const std::string& imageName, int w, in
     OutFile f(path);
     f.write(s.data(), s.size());
     f.commit();
+}
+
+// The largest round-trip error each model allows at full resolution; chroma
+// subsampling has no bound of its own (it depends on the picture).
+double conversionBound(const Trip& t) {
+    if (!t.back) return -1;
+    const Format* fs[4] = {&t.there->fromFormat(), &t.there->toFormat(), &t.back->fromFormat(), &t.back->toFormat()};
+    for (const Format* f : fs)
+        if (!f->fullResolution()) return -1;
+    const std::string m = t.there->model;
+    if (m == "analog") return 4;
+    if (m == "photoycc") return 10;  // its chroma range clips saturated colours
+    return 3;
+}
+
+void printRow(const Shown& r) {
+    std::printf("%-36s %8.0f  %-36s %8s %9s %7s %5s%s\n", r.there.c_str(), r.thereMps, r.hasBack ? r.back.c_str() : "-",
+                r.hasBack ? fixed(r.backMps, 0).c_str() : "", errorText(r).c_str(),
+                r.compared ? std::to_string(r.err.largest).c_str() : "", r.bound >= 0 ? fixed(r.bound, 0).c_str() : "",
+                r.over() ? "  over its bound" : "");
+    std::fflush(stdout);
 }
 
 }  // namespace
@@ -263,13 +289,20 @@ int runDemo(const Args& args) {
     std::vector<Shown> rows;
 
     std::printf("%s, %d x %d\n", imageName.c_str(), source.width, source.height);
-    std::printf("%-26s %9s  %-26s %9s %9s %8s\n", "conversion", "Mpixel/s", "back", "Mpixel/s", "PSNR dB", "largest");
+    std::printf("%-36s %8s  %-36s %8s %9s %7s %5s\n", "conversion", "Mpixel/s", "back", "Mpixel/s", "PSNR dB", "largest",
+                "bound");
     int number = 0;
+    bool anyOver = false;
+    auto prefixOf = [&](int n) {
+        char prefix[16];
+        std::snprintf(prefix, sizeof prefix, "%03d-", n);
+        return std::string(prefix);
+    };
     for (const Trip& t : trips) {
         Shown r;
-        r.trip = t;
-        char prefix[16];
-        std::snprintf(prefix, sizeof prefix, "%02d-", ++number);
+        r.there = t.there->name;
+        r.about = std::string(t.there->from) + " to " + t.there->to + ", model " + t.there->model;
+        const std::string prefix = prefixOf(++number);
         // Subsampled formats take whole chroma blocks: crop the picture to fit.
         int bw = std::max(t.there->fromFormat().blockWidth(), t.there->toFormat().blockWidth());
         int bh = std::max(t.there->fromFormat().blockHeight(), t.there->toFormat().blockHeight());
@@ -285,11 +318,10 @@ int runDemo(const Args& args) {
         r.midFile = prefix + std::string(t.there->name + 4) + ".png";
         writePng(outDir + "/" + r.midFile, showPicture(mid));
         r.midNote = mid.fmt->family == Family::Rgb ? "shown in colour" : "planes shown in grey side by side";
-        std::string line;
-        char buf[256];
-        std::snprintf(buf, sizeof buf, "%-26s %9.0f  ", t.there->name, r.thereMps);
-        line = buf;
         if (t.back) {
+            r.hasBack = r.compared = true;
+            r.back = t.back->name;
+            r.bound = conversionBound(t);
             const Image backIn = repack(mid, t.back->fromFormat());
             Image back = runChecked(*t.back, backIn);
             r.backMps = mpix / timeOp(*t.back, backIn, back);
@@ -300,16 +332,45 @@ int runDemo(const Args& args) {
             r.err = compare(unpack(fitted), unpack(backRgb), diff);
             r.diffFile = prefix + std::string("difference.png");
             writePng(outDir + "/" + r.diffFile, diff);
-            const std::string psnr = std::isinf(r.err.psnr) ? "identical" : fixed(r.err.psnr, 2);
-            std::snprintf(buf, sizeof buf, "%-26s %9.0f %9s %8d", t.back->name, r.backMps, psnr.c_str(), r.err.largest);
-            line += buf;
-        } else {
-            line += "-";
         }
-        std::printf("%s\n", line.c_str());
+        printRow(r);
+        anyOver = anyOver || r.over();
         rows.push_back(std::move(r));
     }
-    for (const Conversion* c : skipped) std::printf("%-26s not shown: no picture leads to its input\n", c->name);
+    const Channels src = unpack(source);
+    for (const TTrip& t : typedTrips()) {
+        Shown r;
+        r.there = t.there.name;
+        r.about = t.note;
+        r.bound = t.bound;
+        const std::string prefix = prefixOf(++number);
+        const TripRun run = runTypedTrip(t, src, 0.004);
+        if (run.thereStatus < 0) throw Error(r.there + " failed with " + statusText(run.thereStatus));
+        if (run.backStatus < 0) throw Error(std::string(t.back.name) + " failed with " + statusText(run.backStatus));
+        r.thereMps = run.thereMps;
+        r.midFile = prefix + std::string(t.there.name + 4) + ".png";
+        writePng(outDir + "/" + r.midFile, run.mid);
+        r.midNote = "samples shown in grey, each plane stretched to its range";
+        r.hasBack = run.hasBack;
+        if (run.hasBack) {
+            r.back = t.back.name;
+            r.backMps = run.backMps;
+        }
+        if (run.compared) {
+            r.compared = true;
+            r.backFile = prefix + (run.hasBack ? std::string(t.back.name + 4) : std::string("result")) + "-rgb.png";
+            writePng(outDir + "/" + r.backFile, run.back);
+            Picture diff;
+            r.err = compare(src, run.result, diff);
+            r.diffFile = prefix + "difference.png";
+            writePng(outDir + "/" + r.diffFile, diff);
+        }
+        printRow(r);
+        anyOver = anyOver || r.over();
+        rows.push_back(std::move(r));
+    }
+    for (const Conversion* c : skipped) std::printf("%-36s not shown: no picture leads to its input\n", c->name);
+    if (anyOver) std::printf("some round trips are over their bound\n");
 
     const std::string index = outDir + "/index.html";
     writeIndex(index, imageName, source.width, source.height, rows, skipped);
