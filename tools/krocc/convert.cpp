@@ -181,6 +181,12 @@ int runConvert(const Args& args) {
     checkSizeFits(*to, w, h);
     Route route;
     if (!findRoute(*from, *to, model, route)) throw Error(noRouteMessage(*from, *to, model));
+    if (route.op && h % route.op->rowMultiple != 0) {
+        const int n = route.op->rowMultiple, left = h % n;
+        throw Error(std::string(route.op->name) + " converts whole groups of " + std::to_string(n) + " rows: it would leave the last " +
+                    std::to_string(left) + (left == 1 ? " row" : " rows") + " of a " + sizeText(w, h) +
+                    " image unwritten (give a height that is a multiple of " + std::to_string(n) + ")");
+    }
 
     if (verbose) {
         std::string chain = from->name;

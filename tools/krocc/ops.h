@@ -30,6 +30,7 @@ struct Conversion {
     const char* to;    // destination format
     const char* model; // a Model name
     Call call;
+    int rowMultiple = 1;  // the operation converts whole groups of this many rows and leaves the rest
 
     const Format& fromFormat() const { return formatOrThrow(from); }
     const Format& toFormat() const { return formatOrThrow(to); }

@@ -527,21 +527,21 @@ std::vector<TTrip> buildTable() {
         withScale(trip(OP(kroiSBGRToYCoCg_Rev_16s32s_C3P3R), OP(kroiYCoCgToSBGR_Rev_32s16s_P3C3R), 0), 255),
         withScale(trip(OP(kroiSBGRToYCoCg_Rev_16s32s_C4P3R), OPX(kroiYCoCgToSBGR_Rev_32s16s_P3C4R, 32767), 0), 255),
         // HLS
-        trip(OP(kroiRGBToHLS_8u_C3R), OP(kroiHLSToRGB_8u_C3R), 4),
-        trip(OP(kroiRGBToHLS_8u_AC4R), OP(kroiHLSToRGB_8u_AC4R), 4),
+        trip(OP(kroiRGBToHLS_8u_C3R), OP(kroiHLSToRGB_8u_C3R), 6),
+        trip(OP(kroiRGBToHLS_8u_AC4R), OP(kroiHLSToRGB_8u_AC4R), 6),
         trip(OP(kroiRGBToHLS_16u_C3R), OP(kroiHLSToRGB_16u_C3R), 1),
         trip(OP(kroiRGBToHLS_16u_AC4R), OP(kroiHLSToRGB_16u_AC4R), 1),
         trip(OP(kroiRGBToHLS_16s_C3R), OP(kroiHLSToRGB_16s_C3R), 1),
         trip(OP(kroiRGBToHLS_16s_AC4R), OP(kroiHLSToRGB_16s_AC4R), 1),
         trip(OP(kroiRGBToHLS_32f_C3R), OP(kroiHLSToRGB_32f_C3R), 1),
         trip(OP(kroiRGBToHLS_32f_AC4R), OP(kroiHLSToRGB_32f_AC4R), 1),
-        trip(OP(kroiBGRToHLS_8u_AC4R), OP(kroiHLSToBGR_8u_AC4P4R), 4),
-        trip(OP(kroiBGRToHLS_8u_AC4P4R), OP(kroiHLSToBGR_8u_AP4C4R), 4),
-        trip(OP(kroiBGRToHLS_8u_AP4C4R), OP(kroiHLSToBGR_8u_AP4R), 4),
-        trip(OP(kroiBGRToHLS_8u_AP4R), OP(kroiHLSToBGR_8u_P3C3R), 4),
-        trip(OP(kroiBGRToHLS_8u_C3P3R), OP(kroiHLSToBGR_8u_P3R), 4),
-        trip(OP(kroiBGRToHLS_8u_P3C3R), OP(kroiHLSToBGR_8u_C3P3R), 4),
-        trip(OP(kroiBGRToHLS_8u_P3R), OP(kroiHLSToRGB_8u_C3R), 4),
+        trip(OP(kroiBGRToHLS_8u_AC4R), OP(kroiHLSToBGR_8u_AC4P4R), 6),
+        trip(OP(kroiBGRToHLS_8u_AC4P4R), OP(kroiHLSToBGR_8u_AP4C4R), 6),
+        trip(OP(kroiBGRToHLS_8u_AP4C4R), OP(kroiHLSToBGR_8u_AP4R), 6),
+        trip(OP(kroiBGRToHLS_8u_AP4R), OP(kroiHLSToBGR_8u_P3C3R), 6),
+        trip(OP(kroiBGRToHLS_8u_C3P3R), OP(kroiHLSToBGR_8u_P3R), 6),
+        trip(OP(kroiBGRToHLS_8u_P3C3R), OP(kroiHLSToBGR_8u_C3P3R), 6),
+        trip(OP(kroiBGRToHLS_8u_P3R), OP(kroiHLSToRGB_8u_C3R), 6),
         // HSV
         trip(OP(kroiRGBToHSV_8u_C3R), OP(kroiHSVToRGB_8u_C3R), 4),
         trip(OP(kroiRGBToHSV_8u_AC4R), OP(kroiHSVToRGB_8u_AC4R), 4),
@@ -566,8 +566,8 @@ std::vector<TTrip> buildTable() {
         trip(OP(kroiBGRToLab_32f_C3R), OP(kroiLabToBGR_32f_C3R), 1),
         trip(OP(kroiRGBToLab_32f_P3R), OP(kroiLabToRGB_32f_P3R), 1),
         trip(OP(kroiRGBToLab_32f_P3R_L), OP(kroiLabToRGB_32f_P3R_L), 1),
-        trip(OP(kroiRGBToLab_64f_P3R), OP(kroiLabToRGB_64f_P3R), 0),
-        trip(OP(kroiRGBToLab_64f_P3R_L), OP(kroiLabToRGB_64f_P3R_L), 0),
+        trip(OP(kroiRGBToLab_64f_P3R), OP(kroiLabToRGB_64f_P3R), 1),
+        trip(OP(kroiRGBToLab_64f_P3R_L), OP(kroiLabToRGB_64f_P3R_L), 1),
         // Gamma: the transfer curve and back
         trip(OP(kroiGammaFwd_8u_C3R), OP(kroiGammaInv_8u_C3R), 16),
         trip(OP(kroiGammaFwd_8u_C3IR), OP(kroiGammaInv_8u_C3IR), 16),
@@ -854,7 +854,7 @@ TripRun runTypedTrip(const TTrip& t, const Channels& src, double budget) {
 }
 
 std::vector<std::string> demoReach() {
-    std::vector<std::string> names;
+    std::vector<std::string> names = {"kroiReduceBitsGetBufferSize"};  // sizes the reduction entries' work blocks
     for (const Conversion& c : conversions()) names.push_back(c.name);
     for (const TTrip& t : typedTrips()) {
         names.push_back(t.there.name);
