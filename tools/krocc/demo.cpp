@@ -64,6 +64,12 @@ const Conversion& toolBt709Encoder() {
 
 bool isRgb(const Format& f) { return f.family == Family::Rgb; }
 
+// The decoders' model for what an encoder wrote: a filtered or curved
+// BT.601 encoding is decoded as plain BT.601.
+const char* decodedAs(const char* model) {
+    return !std::strcmp(model, "bt601f") || !std::strcmp(model, "curve") ? "bt601" : model;
+}
+
 std::vector<Trip> planTrips(std::vector<const Conversion*>& skipped) {
     const std::vector<Conversion>& ops = conversions();
     std::vector<Trip> trips;
@@ -76,7 +82,7 @@ std::vector<Trip> planTrips(std::vector<const Conversion*>& skipped) {
         const Conversion* best = nullptr;
         int bestScore = -1;
         for (const Conversion& b : ops) {
-            if (std::strcmp(b.model, f.model) != 0 || !isRgb(b.toFormat()) || isRgb(b.fromFormat())) continue;
+            if (std::strcmp(b.model, decodedAs(f.model)) != 0 || !isRgb(b.toFormat()) || isRgb(b.fromFormat())) continue;
             if (!canRepack(f.toFormat(), b.fromFormat())) continue;
             const int score = (&b.fromFormat() == &f.toFormat()) * 4 + (&b.toFormat() == &f.fromFormat()) * 2 +
                               !used[index(&b)];
@@ -85,9 +91,20 @@ std::vector<Trip> planTrips(std::vector<const Conversion*>& skipped) {
                 bestScore = score;
             }
         }
+        // A layout no decoder of the model reads: repacked into one that it reads.
+        const Conversion* via = nullptr;
+        for (const Conversion& l : ops) {
+            if (best || std::strcmp(l.model, "layout") != 0 || &l.fromFormat() != &f.toFormat()) continue;
+            for (const Conversion& b : ops)
+                if (!best && !std::strcmp(b.model, decodedAs(f.model)) && isRgb(b.toFormat()) &&
+                    canRepack(l.toFormat(), b.fromFormat())) {
+                    best = &b;
+                    via = &l;
+                }
+        }
         used[index(&f)] = true;
         if (best) used[index(best)] = true;
-        trips.push_back({&f, best});
+        trips.push_back({&f, best, nullptr, nullptr, via});
     }
     // Conversions back to RGB not shown yet, behind a conversion there.
     for (const Conversion& b : ops) {

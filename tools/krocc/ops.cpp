@@ -13,6 +13,7 @@ const std::vector<Model>& models() {
         {"bt709", "YCbCr of BT.709, studio range (full resolution: decoding only; 4:2:0 both ways)"},
         {"photoycc", "photographic YCC: Y = 0.7132668 Y0, chroma offset to 156 and 137"},
         {"bt709full", "YCbCr of BT.709, full swing: Y 0..255, chroma centred on 128"},
+        {"bt601f", "BT.601 studio range with chroma filtered 1/4 1/2 1/4 across (one encoder)"},
         {"curve", "BT.601 YCbCr of RGB sent through the BT.709 transfer curve first, chroma filtered 1/4 1/2 1/4"},
         {"layout", "no colour arithmetic: samples moved, dropped, doubled or filtered between subsampled layouts"},
     };
@@ -258,7 +259,7 @@ const std::vector<Conversion>& conversions() {
         KROCC_OP(kroiBGRToCbYCr422_8u_AC4C2R, "bgra", "uyvy422", "bt601"),
         KROCC_OP(kroiBGRToCbYCr422_709HDTV_8u_AC4C2R, "bgra", "uyvy422", "bt709full"),
         KROCC_OP(kroiBGRToCbYCr422_709HDTV_8u_C3C2R, "bgr24", "uyvy422", "bt709full"),
-        KROCC_OP(kroiRGBToCbYCr422_8u_C3C2R, "rgb24", "uyvy422", "bt601"),
+        KROCC_OP(kroiRGBToCbYCr422_8u_C3C2R, "rgb24", "uyvy422", "bt601f"),
         KROCC_OP(kroiRGBToYUV422_8u_C3C2R, "rgb24", "yuyv422", "analog"),
         KROCC_OP(kroiRGBToYUV422_8u_C3P3R, "rgb24", "yuv422p", "analog"),
         KROCC_OP(kroiRGBToYUV422_8u_P3R, "gbrp", "yuv422p", "analog"),
