@@ -94,7 +94,7 @@ std::vector<Trip> planTrips(std::vector<const Conversion*>& skipped) {
         // A layout no decoder of the model reads: repacked into one that it reads.
         const Conversion* via = nullptr;
         for (const Conversion& l : ops) {
-            if (best || std::strcmp(l.model, "layout") != 0 || &l.fromFormat() != &f.toFormat()) continue;
+            if (best || !chromaOnly(l.model) || &l.fromFormat() != &f.toFormat()) continue;
             for (const Conversion& b : ops)
                 if (!best && !std::strcmp(b.model, decodedAs(f.model)) && isRgb(b.toFormat()) &&
                     canRepack(l.toFormat(), b.fromFormat())) {
@@ -128,7 +128,7 @@ std::vector<Trip> planTrips(std::vector<const Conversion*>& skipped) {
     // encoder of its input (BT.601 where the operation has no model), and,
     // where it ends in another layout, before a decoder of that.
     auto pick = [&](const char* model, auto fits) -> const Conversion* {
-        const char* want = std::strcmp(model, "layout") == 0 ? "bt601" : model;
+        const char* want = chromaOnly(model) ? "bt601" : model;
         for (const Conversion& c : ops)
             if (std::strcmp(c.model, want) == 0 && fits(c)) return &c;
         return nullptr;
@@ -147,7 +147,7 @@ std::vector<Trip> planTrips(std::vector<const Conversion*>& skipped) {
         // Inputs no encoder writes: an encoder, then a repacking into them.
         const Conversion* pre2 = nullptr;
         for (const Conversion& l : ops) {
-            if (pre || std::strcmp(l.model, "layout") != 0 || &l.toFormat() != &c.fromFormat()) continue;
+            if (pre || !chromaOnly(l.model) || &l.toFormat() != &c.fromFormat()) continue;
             pre = pick(c.model, [&](const Conversion& e) { return isRgb(e.fromFormat()) && &e.toFormat() == &l.fromFormat(); });
             if (pre) pre2 = &l;
         }
@@ -159,7 +159,7 @@ std::vector<Trip> planTrips(std::vector<const Conversion*>& skipped) {
         if (c.toFormat().family == Family::Yuv && pre) {
             back = decoderOf(c.toFormat());
             for (const Conversion& l : ops) {  // outputs no decoder reads: a repacking first
-                if (back || std::strcmp(l.model, "layout") != 0 || &l.fromFormat() != &c.toFormat()) continue;
+                if (back || !chromaOnly(l.model) || &l.fromFormat() != &c.toFormat()) continue;
                 back = decoderOf(l.toFormat());
                 if (back) via = &l;
             }

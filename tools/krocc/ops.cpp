@@ -15,9 +15,15 @@ const std::vector<Model>& models() {
         {"bt709full", "YCbCr of BT.709, full swing: Y 0..255, chroma centred on 128"},
         {"bt601f", "BT.601 studio range with chroma filtered 1/4 1/2 1/4 across (one encoder)"},
         {"curve", "BT.601 YCbCr of RGB sent through the BT.709 transfer curve first, chroma filtered 1/4 1/2 1/4"},
-        {"layout", "no colour arithmetic: samples moved, dropped, doubled or filtered between subsampled layouts"},
+        {"layout", "no colour arithmetic: chroma samples moved, dropped or repeated between subsampled layouts"},
+        {"interlace", "as layout, with chroma handled field by field (rows of one parity together)"},
+        {"filter", "as layout, with chroma rows interpolated or filtered between lines"},
     };
     return table;
+}
+
+bool chromaOnly(const char* model) {
+    return !std::strcmp(model, "layout") || !std::strcmp(model, "interlace") || !std::strcmp(model, "filter");
 }
 
 const Model* findModel(const std::string& name) {
@@ -363,13 +369,13 @@ const std::vector<Conversion>& conversions() {
         KROCC_OP(kroiYCrCb422ToYCbCr411_8u_C2P3R, "yvyu422", "yuv411p", "layout"),
         KROCC_OP(kroiYCrCb422ToYCbCr420_8u_C2P3R, "yvyu422", "yuv420p", "layout"),
         KROCC_OP(kroiYCrCb422ToYCbCr422_8u_C2P3R, "yvyu422", "yuv422p", "layout"),
-        KROCC_OP_ROWS(kroiCbYCr422ToYCbCr420_Interlace_8u_C2P3R, "uyvy422", "yuv420p", "layout", 4),
-        KROCC_OP_ROWS(kroiYCbCr422To420_Interlace_8u_P3R, "yuv422p", "yuv420p", "layout", 4),
-        KROCC_OP_ROWS(kroiYCbCr420To422_Interlace_8u_P3R, "yuv420p", "yuv422p", "layout", 4),
-        KROCC_OP_ROWS(kroiYCbCr420ToCbYCr422_Interlace_8u_P3C2R, "yuv420p", "uyvy422", "layout", 4),
-        KROCC_OP_ROWS(kroiYCbCr420ToYCbCr422_Filter_8u_P3R, "yuv420p", "yuv422p", "layout", 8),
-        KROCC_OP_ROWS(kroiYCrCb420ToYCbCr422_Filter_8u_P3R, "yvu420p", "yuv422p", "layout", 8),
-        KROCC_OP_ROWS(kroiYCbCr420ToYCbCr422_Filter_8u_P2P3R, "nv12", "yuv422p", "layout", 8),
+        KROCC_OP_ROWS(kroiCbYCr422ToYCbCr420_Interlace_8u_C2P3R, "uyvy422", "yuv420p", "interlace", 4),
+        KROCC_OP_ROWS(kroiYCbCr422To420_Interlace_8u_P3R, "yuv422p", "yuv420p", "interlace", 4),
+        KROCC_OP_ROWS(kroiYCbCr420To422_Interlace_8u_P3R, "yuv420p", "yuv422p", "interlace", 4),
+        KROCC_OP_ROWS(kroiYCbCr420ToCbYCr422_Interlace_8u_P3C2R, "yuv420p", "uyvy422", "interlace", 4),
+        KROCC_OP_ROWS(kroiYCbCr420ToYCbCr422_Filter_8u_P3R, "yuv420p", "yuv422p", "filter", 8),
+        KROCC_OP_ROWS(kroiYCrCb420ToYCbCr422_Filter_8u_P3R, "yvu420p", "yuv422p", "filter", 8),
+        KROCC_OP_ROWS(kroiYCbCr420ToYCbCr422_Filter_8u_P2P3R, "nv12", "yuv422p", "filter", 8),
         KROCC_OP(kroiYCrCb420ToBGR_Filter_8u_P3C4R, "yvu420p", "bgra", "bt601"),
         KROCC_OP(kroiYCbCr1620To420_8u_P3R, "yuv410p", "yuv420p", "layout"),
         KROCC_OP(kroiYCbCr411To420_8u_P3R, "yuv411p", "yuv420p", "layout"),
@@ -378,10 +384,10 @@ const std::vector<Conversion>& conversions() {
         KROCC_OP(kroiRGBToCbYCr422Gamma_8u_C3C2R, "rgb24", "uyvy422", "curve"),
     };
 #ifdef KROCC_HAS_kroiYCbCr420ToYCbCr422_Filter_8u_P2C2R
-    table.push_back(KROCC_OP(kroiYCbCr420ToYCbCr422_Filter_8u_P2C2R, "nv12", "yuyv422", "layout"));
+    table.push_back(KROCC_OP(kroiYCbCr420ToYCbCr422_Filter_8u_P2C2R, "nv12", "yuyv422", "filter"));
 #endif
 #ifdef KROCC_HAS_kroiYCbCr420ToYCrCb420_Filter_8u_P2P3R
-    table.push_back(KROCC_OP(kroiYCbCr420ToYCrCb420_Filter_8u_P2P3R, "nv12", "yvu420p", "layout"));
+    table.push_back(KROCC_OP(kroiYCbCr420ToYCrCb420_Filter_8u_P2P3R, "nv12", "yvu420p", "filter"));
 #endif
     return table;
 }
@@ -409,8 +415,9 @@ bool findRoute(const Format& from, const Format& to, const std::string& model, R
         return true;
     }
     for (const Model& m : models()) {
-        // Between layouts of one family the model plays no part.
-        if (!model.empty() && model != m.name && !sameFamily) continue;
+        // Between layouts of one family a colour model plays no part; the
+        // chroma handling (layout, interlace, filter) may be chosen.
+        if (!model.empty() && model != m.name && (!sameFamily || chromaOnly(model.c_str()))) continue;
         const Conversion* best = nullptr;
         int bestCost = 1 << 30;
         for (const Conversion& c : conversions()) {

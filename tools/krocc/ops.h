@@ -21,6 +21,8 @@ struct Model {
 // pair is used.
 const std::vector<Model>& models();
 const Model* findModel(const std::string& name);
+// Models of operations that only move chroma between subsampled layouts.
+bool chromaOnly(const char* model);
 
 using Call = std::function<KroStatus(const Image& src, Image& dst)>;
 

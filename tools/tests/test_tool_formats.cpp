@@ -137,7 +137,7 @@ TEST(ToolConversions, EveryEntryNamesAnExportAndKnownFormats) {
         EXPECT_NE(findFormat(c.to), nullptr) << c.name;
         EXPECT_NE(findModel(c.model), nullptr) << c.name;
         // Operations of one family only change the layout.
-        EXPECT_EQ(c.fromFormat().family == c.toFormat().family, std::strcmp(c.model, "layout") == 0) << c.name;
+        EXPECT_EQ(c.fromFormat().family == c.toFormat().family, chromaOnly(c.model)) << c.name;
     }
     // The export list itself reached the tool whole.
     EXPECT_EQ(names.front(), "kroccGetLibVersion");
@@ -200,6 +200,8 @@ TEST(ToolConversions, AdaptersPassChannelsInOrder) {
         {"analog", {255, 0, 0}, {76, 90, 255}, {76, 84, 255}, {221, 19, 0}},
         {"bt601", {255, 0, 0}, {82, 90, 240}, {82, 90, 240}, {255, 0, 0}},
         {"layout", {}, {}, {200, 100, 50}, {200, 100, 50}},  // samples kept
+        {"interlace", {}, {}, {200, 100, 50}, {200, 100, 50}},
+        {"filter", {}, {}, {200, 100, 50}, {200, 100, 50}},
     };
     for (const Conversion& c : conversions()) {
         const Known* k = nullptr;
