@@ -107,7 +107,9 @@ int Format::blockHeight() const {
 
 static int unitBytes(const PlaneDesc& p) { return static_cast<int>(std::strlen(p.letters)); }
 
-void checkSizeFits(const Format& f, int w, int h) {
+bool holdsWholeBlocks(const Format& f, int w, int h) { return w % f.blockWidth() == 0 && h % f.blockHeight() == 0; }
+
+void checkSizeFits(const Format& f, int w, int h, bool wholeBlocks) {
     if (w < 1 || h < 1)
         throw Error("image size " + std::to_string(w) + "x" + std::to_string(h) + " is empty");
     // Steps are 32-bit signed in the library, and whole frames must fit in memory.
@@ -117,7 +119,7 @@ void checkSizeFits(const Format& f, int w, int h) {
     if (widest > INT_MAX / 2 || static_cast<long long>(w) * h > (1LL << 30))
         throw Error("image size " + std::to_string(w) + "x" + std::to_string(h) + " is too large");
     const int bw = f.blockWidth(), bh = f.blockHeight();
-    if (w % bw != 0 || h % bh != 0) {
+    if (wholeBlocks && (w % bw != 0 || h % bh != 0)) {
         std::string need;
         if (w % bw != 0) need = "a width that is a multiple of " + std::to_string(bw);
         if (h % bh != 0)

@@ -374,6 +374,7 @@ TEST_F(ToolCli, BadInputLeavesNothing) {
     spill(dir / "text.png", {'h', 'e', 'l', 'l', 'o'});
     spill(dir / "frame.yuv", std::vector<uint8_t>(5 * 4 * 3, 128));
     spill(dir / "420.yuv", std::vector<uint8_t>(4 * 4 + 2 * 4, 128));
+    spill(dir / "43.yuv", std::vector<uint8_t>(4 * 3 + 2 * 4, 128));
     spill(dir / "f6.yuv", std::vector<uint8_t>(4 * 6 + 2 * 2 * 3, 128));
     spill(dir / "deep.ppm", {'P', '6', ' ', '1', ' ', '1', ' ', '6', '5', '5', '3', '5', '\n', 0, 0, 0, 0, 0, 0});
     const std::vector<std::string> before = entries();
@@ -398,7 +399,11 @@ TEST_F(ToolCli, BadInputLeavesNothing) {
         {"convert f6.yuv out.yuv --from yuv420p --to yuv422p --size 4x6 --matrix filter",
          "kroiYCbCr420ToYCbCr422_Filter_8u_P3R converts whole groups of 8 rows: it would leave the last 6 rows"},
         {"convert odd.png out.yuv --to yuyv422", "yuyv422 cannot hold a 5x4 image"},
-        {"convert 420.yuv out.yuv --from yuv420p --size 3x4 --to rgb24", "cannot hold a 3x4"},
+        {"convert 420.yuv out.yuv --from yuv420p --size 3x4 --to rgb24", "not a whole number of 3x4 yuv420p frames of 20 bytes"},
+        {"convert 43.yuv out.rgb --from yuv420p --size 4x3 --to rgb24",
+         "yuv420p cannot hold a 4x3 image as kroiYUV420ToRGB_8u_P3C3R converts it: the operation leaves the last row unwritten"},
+        {"convert odd.png out.yuv --to yuyv422 --matrix bt601",
+         "yuyv422 cannot hold a 5x4 image as kroiRGBToYCbCr422_8u_C3C2R converts it: the operation leaves the last column unwritten"},
         {"convert 420.yuv out.yuv --from yuv420p --size 4x4 --to yuv444p", "no operation of this build converts yuv420p"},
         {"convert odd.png out.png --to gray", "no operation of this build converts rgb24 to gray"},
         {"convert odd.png out.yuv --to yuv444p --matrix bt2020", "unknown model 'bt2020'"},
