@@ -439,7 +439,7 @@ TTrip trip(TOp there, TOp back, double bound, const char* note = "") {
     t.back = std::move(back);
     t.bound = bound;
     t.note = note;
-    if (t.there.from.count == 1) t.rowsPerChannel = 1;
+    t.stacked = t.there.from.count == 1;
     return t;
 }
 TTrip oneWay(TOp there, double bound, Against a, const char* note = "") {
@@ -454,7 +454,7 @@ TTrip withScale(TTrip t, int full) {
 }
 TTrip withInput(TTrip t, std::function<void(const Channels&, TBuf&)> in) {
     t.makeInput = std::move(in);
-    t.rowsPerChannel = 0;
+    t.stacked = false;
     return t;
 }
 
@@ -774,17 +774,13 @@ bool sameLayout(const Side& a, const Side& b) {
     return a.depth == b.depth && a.count == b.count && a.planar == b.planar;
 }
 
-TBuf makeDst(const TOp& op, const TBuf& in, const TTrip& t) {
-    const bool pack = std::strcmp(op.name, "kroiPack_16u12u_C1R") == 0;
-    const bool unpack = std::strcmp(op.name, "kroiUnpack_12u16u_C1R") == 0;
+// The destination of an operation: the source itself in place; a row of
+// bytes for packed 12-bit samples (two in three bytes).
+TBuf makeDst(const TOp& op, const TBuf& in) {
     if (op.inPlace) return in;
-    if (pack) {  // two samples in three bytes
-        TBuf d(op.to, (in.width * 3 + 1) / 2, in.height);
-        return d;
-    }
-    const int w = unpack ? (in.width * 2) / 3 : in.width;
-    (void)t;
-    return TBuf(op.to, w, in.height);
+    if (!std::strcmp(op.name, "kroiPack_16u12u_C1R")) return TBuf(op.to, (in.width * 3 + 1) / 2, in.height);
+    if (!std::strcmp(op.name, "kroiUnpack_12u16u_C1R")) return TBuf(op.to, in.width * 2 / 3, in.height);
+    return TBuf(op.to, in.width, in.height);
 }
 
 double timeCall(const TOp& op, const TBuf& in, TBuf& out, double budget) {
@@ -792,8 +788,8 @@ double timeCall(const TOp& op, const TBuf& in, TBuf& out, double budget) {
     double best = 1e30, total = 0;
     TBuf scratch = out;
     for (int run = 0; run < 200 && (run < 2 || total < budget); ++run) {
-        if (op.inPlace) scratch.mem[0] = in.mem[0], scratch.mem[1] = in.mem[1], scratch.mem[2] = in.mem[2],
-                        scratch.mem[3] = in.mem[3];
+        if (op.inPlace)  // each call starts from the source again
+            for (int p = 0; p < 4; ++p) scratch.mem[p] = in.mem[p];
         const auto t0 = Clock::now();
         op.call(in, scratch);
         const double s = std::chrono::duration<double>(Clock::now() - t0).count();
@@ -813,7 +809,7 @@ const std::vector<TTrip>& typedTrips() {
 TripRun runTypedTrip(const TTrip& t, const Channels& src, double budget) {
     TripRun r;
     const int w = src.width, h = src.height;
-    const bool stacked = t.rowsPerChannel > 0;
+    const bool stacked = t.stacked;
     int inWidth = w;
     if (t.there.from.depth == Depth::U32) inWidth = (w + 5) / 6;  // v210 groups of four words
     TBuf in(t.there.from, inWidth, stacked ? 3 * h : h);
@@ -821,7 +817,7 @@ TripRun runTypedTrip(const TTrip& t, const Channels& src, double budget) {
     else fillFromRgb(src, in, stacked);
     if (t.there.from.depth == Depth::U32) in.width = w;  // the region counts pixels
 
-    TBuf mid = makeDst(t.there, in, t);
+    TBuf mid = makeDst(t.there, in);
     if (t.there.from.depth == Depth::U32) mid = TBuf(t.there.to, w, h);
     r.thereStatus = t.there.call(in, mid);
     if (r.thereStatus < 0) return r;
@@ -833,7 +829,7 @@ TripRun runTypedTrip(const TTrip& t, const Channels& src, double budget) {
         r.hasBack = true;
         const bool unpack = std::strcmp(t.back.name, "kroiUnpack_12u16u_C1R") == 0;
         TBuf backIn = unpack || sameLayout(mid.side, t.back.from) ? mid : relayout(mid, t.back.from);
-        TBuf out = makeDst(t.back, backIn, t);
+        TBuf out = makeDst(t.back, backIn);
         r.backStatus = t.back.call(backIn, out);
         if (r.backStatus < 0) return r;
         r.backMps = mpix / timeCall(t.back, backIn, out, budget);

@@ -64,7 +64,7 @@ struct TTrip {
     std::function<void(const Channels& src, TBuf& in)> makeInput;
     std::function<void(const TBuf& out, Channels& rgb)> readOutput;
     Against against = Against::Colour;
-    int rowsPerChannel = 0;     // C1 entries: the three colour planes one above another
+    bool stacked = false;       // one-channel entries: the three colour planes one above another
 };
 
 const std::vector<TTrip>& typedTrips();
