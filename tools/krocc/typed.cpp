@@ -325,15 +325,15 @@ OpFn cfaVng(KroStatus (*f)(const T*, kroiRect, Z, int, const Kro32f*, T*, int, K
                  nullptr, static_cast<T*>(d.plane(0)), d.step, g);
     };
 }
-// Homogeneity-directed demosaicing: 30 rows of work memory of the caller's.
-template <class T, class Z>
-[[maybe_unused]] OpFn cfaAhd(KroStatus (*f)(const T*, kroiRect, Z, int, T*, int, KroiBayerGrid, Kro8u*, int),
-                             KroiBayerGrid g) {
+// Homogeneity-directed demosaicing: 30 rows of work memory of the caller's,
+// each ((width + 1) & ~1) + 6 samples long.
+template <class T, class Z, class B>
+[[maybe_unused]] OpFn cfaAhd(KroStatus (*f)(const T*, kroiRect, Z, int, T*, int, KroiBayerGrid, B*, int), KroiBayerGrid g) {
     return [=](const TBuf& s, TBuf& d) {
         const int rowBytes = (((s.width + 1) & ~1) + 6) * static_cast<int>(sizeof(T));
-        std::vector<Kro8u> work(static_cast<std::size_t>(rowBytes) * 30);
+        std::vector<Kro64f> work(static_cast<std::size_t>(rowBytes) * 30 / sizeof(Kro64f) + 1);
         return f(static_cast<const T*>(s.plane(0)), kroiRect{0, 0, s.width, s.height}, Z{s.width, s.height}, s.step,
-                 static_cast<T*>(d.plane(0)), d.step, g, work.data(), rowBytes);
+                 static_cast<T*>(d.plane(0)), d.step, g, static_cast<B*>(static_cast<void*>(work.data())), rowBytes);
     };
 }
 
