@@ -325,6 +325,7 @@ double conversionBound(const Trip& t) {
     for (const Format* f : fs)
         if (!f->fullResolution()) return -1;
     const std::string m = t.there->model;
+    if (m == "luma") return -1;  // colour is dropped
     if (m == "analog") return 4;
     if (m == "photoycc") return 12;  // its chroma range clips saturated colours
     return 3;

@@ -12,6 +12,7 @@ const std::vector<Model>& models() {
         {"bt601", "YCbCr of BT.601, studio range: Y 16..235, Cb and Cr 16..240 centred on 128"},
         {"bt709", "YCbCr of BT.709, studio range (full resolution: decoding only; 4:2:0 both ways)"},
         {"photoycc", "photographic YCC: Y = 0.7132668 Y0, chroma offset to 156 and 137"},
+        {"luma", "grey of fixed weights 0.299 R + 0.587 G + 0.114 B, full range; grey to RGB copies it"},
         {"bt709full", "YCbCr of BT.709, full swing: Y 0..255, chroma centred on 128"},
         {"bt601f", "BT.601 studio range with chroma filtered 1/4 1/2 1/4 across (one encoder)"},
         {"curve", "BT.601 YCbCr of RGB sent through the BT.709 transfer curve first, chroma filtered 1/4 1/2 1/4"},
@@ -230,6 +231,11 @@ const std::vector<Conversion>& conversions() {
         KROCC_OP(kroiRGBToYCC_8u_AC4R, "rgba", "yuva32", "photoycc"),
         KROCC_OP(kroiYCCToRGB_8u_C3R, "yuv24", "rgb24", "photoycc"),
         KROCC_OP(kroiYCCToRGB_8u_AC4R, "yuva32", "rgba", "photoycc"),
+        // Grey
+        KROCC_OP(kroiRGBToGray_8u_C3C1R, "rgb24", "gray", "luma"),
+        KROCC_OP(kroiRGBToGray_8u_AC4C1R, "rgba", "gray", "luma"),
+        KROCC_OP(kroiGrayToRGB_8u_C1C3R, "gray", "rgb24", "luma"),
+        KROCC_OP(kroiGrayToRGB_8u_C1C4R, "gray", "rgba", "luma"),
         // Encoding into, decoding from and repacking between subsampled layouts
         KROCC_OP(kroiBGRToYCbCr420_8u_C3P3R, "bgr24", "yuv420p", "bt601"),
         KROCC_OP(kroiBGRToYCbCr420_8u_AC4P3R, "bgra", "yuv420p", "bt601"),

@@ -494,8 +494,7 @@ std::vector<TTrip> buildTable() {
         trip(OP(kroiRGBToXYZ_32f_C3R), OP(kroiXYZToRGB_32f_C3R), 1),
         trip(OP(kroiRGBToXYZ_32f_AC4R), OP(kroiXYZToRGB_32f_AC4R), 1),
         // Grey: there by fixed or given weights, back by copying into R, G, B
-        trip(OP(kroiRGBToGray_8u_C3C1R), OP(kroiGrayToRGB_8u_C1C3R), -1, "colour is dropped"),
-        trip(OP(kroiRGBToGray_8u_AC4C1R), OPX(kroiGrayToRGB_8u_C1C4R, 255), -1, "colour is dropped"),
+        // (the 8-bit fixed-weight pair is in convert's table)
         trip(OP(kroiRGBToGray_16u_C3C1R), OP(kroiGrayToRGB_16u_C1C3R), -1, "colour is dropped"),
         trip(OP(kroiRGBToGray_16u_AC4C1R), OPX(kroiGrayToRGB_16u_C1C4R, 65535), -1, "colour is dropped"),
         trip(OP(kroiRGBToGray_32f_C3C1R), OP(kroiGrayToRGB_32f_C1C3R), -1, "colour is dropped"),

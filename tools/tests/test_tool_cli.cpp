@@ -381,44 +381,42 @@ TEST_F(ToolCli, BadInputLeavesNothing) {
 
     const struct {
         const char* args;
+        int exitCode;  // 2 for a mistake on the command line, 1 for a file the tool cannot use
         const char* says;
     } cases[] = {
-        {"convert odd.png out.yuv --to yuv4444p", "unknown pixel format 'yuv4444p'"},
-        {"convert odd.png out.yuv --from nope", "unknown pixel format 'nope'"},
-        {"convert frame.yuv out.png --from yuv444p --size 4x4", "not a whole number"},
-        {"convert frame.yuv out.png --from yuv444p --size 6x4", "not a whole number"},
-        {"convert frame.yuv out.png --from yuv444p", "--size"},
-        {"convert frame.yuv out.png --size 5x4", "--from"},
-        {"convert frame.yuv out.png --from yuv444p --size 5by4", "--size"},
-        {"convert missing.png out.png", "cannot read missing.png"},
-        {"convert short.png out.png", "short.png is not a readable PNG"},
-        {"convert corrupt.png out.png", "corrupt.png is not a readable PNG"},
-        {"convert text.png out.png", "not a PNG"},
-        {"convert deep.ppm out.png", "8-bit"},
-        {"convert odd.png out.yuv --to yuv420p", "yuv420p cannot hold a 5x4 image"},
-        {"convert f6.yuv out.yuv --from yuv420p --to yuv422p --size 4x6 --matrix filter",
-         "kroiYCbCr420ToYCbCr422_Filter_8u_P3R converts whole groups of 8 rows: it would leave the last 6 rows"},
-        {"convert odd.png out.yuv --to yuyv422", "yuyv422 cannot hold a 5x4 image"},
-        {"convert 420.yuv out.yuv --from yuv420p --size 3x4 --to rgb24", "not a whole number of 3x4 yuv420p frames of 20 bytes"},
-        {"convert 43.yuv out.rgb --from yuv420p --size 4x3 --to rgb24",
-         "yuv420p cannot hold a 4x3 image as kroiYUV420ToRGB_8u_P3C3R converts it: the operation leaves the last row unwritten"},
-        {"convert odd.png out.yuv --to yuyv422 --matrix bt601",
-         "yuyv422 cannot hold a 5x4 image as kroiRGBToYCbCr422_8u_C3C2R converts it: the operation leaves the last column unwritten"},
-        {"convert 420.yuv out.yuv --from yuv420p --size 4x4 --to yuv444p", "no operation of this build converts yuv420p"},
-        {"convert odd.png out.png --to gray", "no operation of this build converts rgb24 to gray"},
-        {"convert odd.png out.yuv --to yuv444p --matrix bt2020", "unknown model 'bt2020'"},
-        {"convert odd.png out.ppm --to rgba", "PPM file cannot hold alpha"},
-        {"convert odd.png out.pgm", "PGM file holds one channel"},
-        {"convert odd.png out.png --to nv12", "a PNG file cannot hold nv12"},
-        {"convert odd.png", "needs an input and an output"},
-        {"convert odd.png out.png --bogus", "unknown option"},
-        {"demo --out", "needs a value"},
-        {"demo missing.png --out d", "cannot read missing.png"},
-        {"frobnicate", "unknown command"},
+        {"convert odd.png out.yuv --to yuv4444p", 2, "unknown pixel format 'yuv4444p'"},
+        {"convert odd.png out.yuv --from nope", 2, "unknown pixel format 'nope'"},
+        {"convert frame.yuv out.png --from yuv444p --size 4x4", 1, "not a whole number"},
+        {"convert frame.yuv out.png --from yuv444p --size 6x4", 1, "not a whole number"},
+        {"convert frame.yuv out.png --from yuv444p", 2, "--size"},
+        {"convert frame.yuv out.png --size 5x4", 2, "--from"},
+        {"convert frame.yuv out.png --from yuv444p --size 5by4", 2, "--size"},
+        {"convert missing.png out.png", 1, "cannot read missing.png"},
+        {"convert short.png out.png", 1, "short.png is not a readable PNG"},
+        {"convert corrupt.png out.png", 1, "corrupt.png is not a readable PNG"},
+        {"convert text.png out.png", 1, "not a PNG"},
+        {"convert deep.ppm out.png", 1, "8-bit"},
+        {"convert odd.png out.yuv --to yuv420p", 1, "yuv420p cannot hold a 5x4 image"},
+        {"convert f6.yuv out.yuv --from yuv420p --to yuv422p --size 4x6 --matrix filter", 1, "kroiYCbCr420ToYCbCr422_Filter_8u_P3R converts whole groups of 8 rows: it would leave the last 6 rows"},
+        {"convert odd.png out.yuv --to yuyv422", 1, "yuyv422 cannot hold a 5x4 image"},
+        {"convert 420.yuv out.yuv --from yuv420p --size 3x4 --to rgb24", 1, "not a whole number of 3x4 yuv420p frames of 20 bytes"},
+        {"convert 43.yuv out.rgb --from yuv420p --size 4x3 --to rgb24", 1, "yuv420p cannot hold a 4x3 image as kroiYUV420ToRGB_8u_P3C3R converts it: the operation leaves the last row unwritten"},
+        {"convert odd.png out.yuv --to yuyv422 --matrix bt601", 1, "yuyv422 cannot hold a 5x4 image as kroiRGBToYCbCr422_8u_C3C2R converts it: the operation leaves the last column unwritten"},
+        {"convert 420.yuv out.yuv --from yuv420p --size 4x4 --to yuv444p", 1, "no operation of this build converts yuv420p"},
+        {"convert odd.png out.png --to gray --matrix bt709", 1, "no operation of this build converts rgb24 to gray with model bt709 (model luma does)"},
+        {"convert odd.png out.yuv --to yuv444p --matrix bt2020", 2, "unknown model 'bt2020'"},
+        {"convert odd.png out.ppm --to rgba", 1, "PPM file cannot hold alpha"},
+        {"convert odd.png out.pgm", 1, "PGM file holds one channel"},
+        {"convert odd.png out.png --to nv12", 1, "a PNG file cannot hold nv12"},
+        {"convert odd.png", 2, "needs an input and an output"},
+        {"convert odd.png out.png --bogus", 2, "unknown option"},
+        {"demo --out", 2, "needs a value"},
+        {"demo missing.png --out d", 1, "cannot read missing.png"},
+        {"frobnicate", 2, "unknown command"},
     };
     for (const auto& c : cases) {
         const Outcome r = run(c.args);
-        EXPECT_NE(r.status, 0) << c.args;
+        EXPECT_EQ(r.status, c.exitCode) << c.args;
         EXPECT_EQ(r.out, "") << c.args;
         EXPECT_NE(r.err.find(c.says), std::string::npos) << c.args << "\n  said: " << r.err;
         EXPECT_EQ(std::count(r.err.begin(), r.err.end(), '\n'), 1) << c.args << "\n  said: " << r.err;
