@@ -379,7 +379,6 @@ OpFn oneBit() {
     std::vector<int> Y(static_cast<std::size_t>(w)), C(static_cast<std::size_t>(w) + 2);
     for (int y = 0; y < in.height; ++y) {
         std::vector<Kro32u> words(static_cast<std::size_t>((w + 5) / 6 * 4), 0);
-        std::vector<int> fields;
         for (int x = 0; x < w; x += 2) {
             double cb = 0, cr = 0;
             for (int i = 0; i < 2 && x + i < w; ++i) {
