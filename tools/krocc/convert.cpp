@@ -2,6 +2,7 @@
 // to another through the library operation that fits.
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -96,6 +97,38 @@ private:
     std::FILE* f_ = nullptr;
 };
 
+// What an operation does with a partial last block: two runs over
+// destinations filled with 0 and with 255; bytes that keep the fill in both
+// were not written. Returns what was left unwritten, or "" if nothing was.
+std::string unwrittenEdge(const Conversion& op, int w, int h) {
+    Image src(op.fromFormat(), w, h);
+    for (int p = 0; p < src.fmt->planeCount; ++p) std::fill(src.plane[p].begin(), src.plane[p].end(), 128);
+    Image a(op.toFormat(), w, h), b(op.toFormat(), w, h);
+    for (int p = 0; p < b.fmt->planeCount; ++p) std::fill(b.plane[p].begin(), b.plane[p].end(), 255);
+    const KroStatus sa = op.call(src, a), sb = op.call(src, b);
+    if (sa < 0 || sb < 0) return "fails with " + statusText(sa < 0 ? sa : sb);
+    // A column counts as unwritten when the last unit of every row of a plane
+    // kept some fill, a row when the whole last row of a plane kept it.
+    bool column = false, row = false;
+    for (int p = 0; p < a.fmt->planeCount; ++p) {
+        const std::size_t unit = std::strlen(a.fmt->planes[p].letters), step = static_cast<std::size_t>(a.step[p]);
+        auto kept = [&](std::size_t at) { return a.plane[p][at] == 0 && b.plane[p][at] == 255; };
+        bool everyRow = true, wholeRow = true;
+        for (int r = 0; r < a.rows[p]; ++r) {
+            bool any = false;
+            for (std::size_t i = step - unit; i < step; ++i) any = any || kept(r * step + i);
+            everyRow = everyRow && any;
+        }
+        for (std::size_t i = 0; i < step; ++i) wholeRow = wholeRow && kept((a.rows[p] - 1) * step + i);
+        column = column || everyRow;
+        row = row || wholeRow;
+    }
+    if (column && row) return "leaves the last column and the last row unwritten";
+    if (column) return "leaves the last column unwritten";
+    if (row) return "leaves the last row unwritten";
+    return "";
+}
+
 const char* kindName(FileKind k) { return k == FileKind::Png ? "a PNG file" : "a PPM/PGM file"; }
 
 std::string noRouteMessage(const Format& from, const Format& to, const std::string& model) {
@@ -151,7 +184,7 @@ int runConvert(const Args& args) {
     if (inKind == FileKind::Raw) {
         if (!from) throw UsageError("a raw input needs --from FORMAT and --size WxH (" + in + " is not .png, .ppm or .pgm)");
         if (size.empty()) throw UsageError("a raw input needs --size WxH");
-        checkSizeFits(*from, w, h);
+        checkSizeFits(*from, w, h, false);  // a partial last block: see below
         frameCount = raw.open(in, *from, w, h);
     } else {
         if (from && !from->fullResolution())
@@ -178,9 +211,32 @@ int runConvert(const Args& args) {
         if (outKind == FileKind::Pnm && to->hasAlpha())
             throw Error(std::string("a PPM file cannot hold alpha, and ") + to->name + " has it; write a PNG or a raw file");
     }
-    checkSizeFits(*to, w, h);
+    checkSizeFits(*to, w, h, false);
     Route route;
     if (!findRoute(*from, *to, model, route)) throw Error(noRouteMessage(*from, *to, model));
+    // Sizes that end in a partial block: only where the operation writes every pixel.
+    if (!holdsWholeBlocks(*from, w, h) || !holdsWholeBlocks(*to, w, h)) {
+        if (!route.op) {
+            checkSizeFits(*from, w, h);
+            checkSizeFits(*to, w, h);
+        }
+        const std::string edge = unwrittenEdge(*route.op, w, h);
+        if (!edge.empty()) {
+            const Format& f = holdsWholeBlocks(*to, w, h) ? *from : *to;
+            std::string need;
+            if (w % f.blockWidth()) need = "a width that is a multiple of " + std::to_string(f.blockWidth());
+            if (h % f.blockHeight())
+                need += (need.empty() ? "" : " and ") + std::string("a height that is a multiple of ") + std::to_string(f.blockHeight());
+            throw Error(std::string(f.name) + " cannot hold a " + sizeText(w, h) + " image as " + route.op->name +
+                        " converts it: the operation " + edge + " (give " + need + ")");
+        }
+    }
+    if (route.op && h % route.op->rowMultiple != 0) {
+        const int n = route.op->rowMultiple, left = h % n;
+        throw Error(std::string(route.op->name) + " converts whole groups of " + std::to_string(n) + " rows: it would leave the last " +
+                    std::to_string(left) + (left == 1 ? " row" : " rows") + " of a " + sizeText(w, h) +
+                    " image unwritten (give a height that is a multiple of " + std::to_string(n) + ")");
+    }
 
     if (verbose) {
         std::string chain = from->name;

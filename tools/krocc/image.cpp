@@ -50,6 +50,10 @@ const std::vector<Format>& formats() {
         {"yuv422p", Family::Yuv, true, 3, {P("Y"), P("U", 2), P("V", 2)}, "planes Y, U, V; chroma halved across"},
         {"yuv420p", Family::Yuv, true, 3, {P("Y"), P("U", 2, 2), P("V", 2, 2)}, "planes Y, U, V; chroma halved both ways"},
         {"yuv411p", Family::Yuv, true, 3, {P("Y"), P("U", 4), P("V", 4)}, "planes Y, U, V; chroma quartered across"},
+        {"yuv410p", Family::Yuv, true, 3, {P("Y"), P("U", 4, 4), P("V", 4, 4)}, "planes Y, U, V; chroma quartered both ways"},
+        {"yvu420p", Family::Yuv, false, 3, {P("Y"), P("V", 2, 2), P("U", 2, 2)}, "planes Y, V, U; chroma halved both ways"},
+        {"yvu422p", Family::Yuv, false, 3, {P("Y"), P("V", 2), P("U", 2)}, "planes Y, V, U; chroma halved across"},
+        {"nv411", Family::Yuv, false, 2, {P("Y"), P("UV", 4)}, "plane Y, plane of U, V pairs; 4:1:1"},
         {"nv12", Family::Yuv, true, 2, {P("Y"), P("UV", 2, 2)}, "plane Y, plane of U, V pairs; 4:2:0"},
         {"nv21", Family::Yuv, true, 2, {P("Y"), P("VU", 2, 2)}, "plane Y, plane of V, U pairs; 4:2:0"},
         {"yuyv422", Family::Yuv, true, 1, {P("YUYV", 2)}, "packed Y0, U, Y1, V; 4:2:2"},
@@ -103,7 +107,9 @@ int Format::blockHeight() const {
 
 static int unitBytes(const PlaneDesc& p) { return static_cast<int>(std::strlen(p.letters)); }
 
-void checkSizeFits(const Format& f, int w, int h) {
+bool holdsWholeBlocks(const Format& f, int w, int h) { return w % f.blockWidth() == 0 && h % f.blockHeight() == 0; }
+
+void checkSizeFits(const Format& f, int w, int h, bool wholeBlocks) {
     if (w < 1 || h < 1)
         throw Error("image size " + std::to_string(w) + "x" + std::to_string(h) + " is empty");
     // Steps are 32-bit signed in the library, and whole frames must fit in memory.
@@ -113,7 +119,7 @@ void checkSizeFits(const Format& f, int w, int h) {
     if (widest > INT_MAX / 2 || static_cast<long long>(w) * h > (1LL << 30))
         throw Error("image size " + std::to_string(w) + "x" + std::to_string(h) + " is too large");
     const int bw = f.blockWidth(), bh = f.blockHeight();
-    if (w % bw != 0 || h % bh != 0) {
+    if (wholeBlocks && (w % bw != 0 || h % bh != 0)) {
         std::string need;
         if (w % bw != 0) need = "a width that is a multiple of " + std::to_string(bw);
         if (h % bh != 0)

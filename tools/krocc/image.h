@@ -57,8 +57,11 @@ const std::vector<Format>& formats();
 const Format* findFormat(const std::string& name);  // nullptr if unknown
 const Format& formatOrThrow(const std::string& name);
 
-// Throws Error if the format cannot hold a w x h image.
-void checkSizeFits(const Format& f, int w, int h);
+// Throws Error if the format cannot hold a w x h image. Without wholeBlocks
+// only the size's range is checked: a subsampled format then holds a partial
+// last block as FFmpeg lays it out (chroma of ceil(w / 2) samples a row).
+void checkSizeFits(const Format& f, int w, int h, bool wholeBlocks = true);
+bool holdsWholeBlocks(const Format& f, int w, int h);
 
 // One frame in memory: one tightly packed buffer per plane, as in a raw file.
 struct Image {

@@ -7,6 +7,7 @@
 #include "image.h"
 #include "io.h"
 #include "ops.h"
+#include "typed.h"
 
 namespace kt {
 
@@ -32,7 +33,7 @@ const char* const kUsage =
     "\n"
     "  krocc list\n"
     "      Lists the operations the library exports, the format pairs that reach\n"
-    "      each, the pixel formats and the models.\n";
+    "      each (or that only the demo calls it), the pixel formats and the models.\n";
 
 void wrap(const std::string& lead, const std::vector<std::string>& items) {
     std::string line = lead;
@@ -65,7 +66,15 @@ int runList(const Args& args) {
             continue;
         }
         if (!c) {
-            std::printf("  %-28s not reached by convert\n", name.c_str());
+            std::string how = "not reached";
+            for (const TTrip& t : typedTrips()) {
+                if (name == t.there.name && t.back.name) how = std::string("demo only, there; back by ") + t.back.name;
+                else if (name == t.there.name) how = "demo only, one way";
+                else if (t.back.name && name == t.back.name) how = std::string("demo only, back; there by ") + t.there.name;
+                if (how != "not reached") break;
+            }
+            if (name == "kroiReduceBitsGetBufferSize") how = "demo only, sizes the kroiReduceBits_ work blocks";
+            std::printf("  %-28s %s\n", name.c_str(), how.c_str());
             continue;
         }
         std::printf("  %-28s %s -> %s, model %s\n", name.c_str(), c->from, c->to, c->model);

@@ -21,6 +21,8 @@ struct Model {
 // pair is used.
 const std::vector<Model>& models();
 const Model* findModel(const std::string& name);
+// Models of operations that only move chroma between subsampled layouts.
+bool chromaOnly(const char* model);
 
 using Call = std::function<KroStatus(const Image& src, Image& dst)>;
 
@@ -30,6 +32,7 @@ struct Conversion {
     const char* to;    // destination format
     const char* model; // a Model name
     Call call;
+    int rowMultiple = 1;  // the operation converts whole groups of this many rows and leaves the rest
 
     const Format& fromFormat() const { return formatOrThrow(from); }
     const Format& toFormat() const { return formatOrThrow(to); }
