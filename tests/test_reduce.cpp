@@ -175,6 +175,35 @@ TEST(Reduce, PlainReductionKeepsByteSteps) {
     }
 }
 
+// Float samples far outside 0..1 saturate under selectors 0 and 4 in the main
+// path and the tail alike, as those just outside do.
+TEST(Reduce, FarFloatSamplesSaturate) {
+    const float far[] = {1.5f, 3.0f, 1e6f, 1e7f, 1e10f, INFINITY, -1.5f, -1e7f, -1e10f, -INFINITY};
+    const int n = static_cast<int>(sizeof far / sizeof far[0]);
+    std::vector<float> src;
+    for (int k = 0; k < 5; ++k) src.insert(src.end(), far, far + n);  // every value in both paths
+    const int w = static_cast<int>(src.size());
+    std::vector<uint8_t> work(8192);
+    for (int sel : {0, 4})
+        for (int noise : {0, 100}) {
+            std::vector<Kro8u> d8(w);
+            std::vector<Kro16u> d16(w);
+            std::vector<Kro16s> s16(w);
+            ASSERT_EQ(kroiReduceBits_32f8u_C1R(src.data(), 4 * w, d8.data(), w, {w, 1}, noise,
+                                               static_cast<KroDitherType>(sel), 256, work.data()), 0);
+            ASSERT_EQ(kroiReduceBits_32f16u_C1R(src.data(), 4 * w, d16.data(), 2 * w, {w, 1}, noise,
+                                                static_cast<KroDitherType>(sel), 65536, work.data()), 0);
+            ASSERT_EQ(kroiReduceBits_32f16s_C1R(src.data(), 4 * w, s16.data(), 2 * w, {w, 1}, noise,
+                                                static_cast<KroDitherType>(sel), 3, work.data()), 0);
+            for (int i = 0; i < w; ++i) {
+                const bool high = src[i] > 0;
+                EXPECT_EQ(d8[i], high ? 255 : 0) << src[i] << " selector " << sel << " noise " << noise;
+                EXPECT_EQ(d16[i], high ? 65535 : 0) << src[i] << " selector " << sel << " noise " << noise;
+                EXPECT_EQ(s16[i], high ? 32767 : -32768) << src[i] << " selector " << sel << " noise " << noise;
+            }
+        }
+}
+
 // ------------------------------------------------------------ noise generator
 TEST(ReduceNoise, FirstWordsAndIndexTableFromSeedZero) {
     ref::NoiseGen g = ref::intGen(0, 1024, 0);

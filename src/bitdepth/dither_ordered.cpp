@@ -12,9 +12,12 @@ namespace {
 // k / 15 with k by row y & 3 and column x & 3, counted from the region's corner
 constexpr int kBayer[4][4] = {{0, 8, 2, 10}, {12, 4, 14, 6}, {3, 11, 1, 9}, {15, 7, 13, 5}};
 
-// One sample: u on the source scale, T the threshold; the stored value.
+// One sample: u on the source scale, T the threshold; the stored value. A
+// float sample is limited to -1..2 first, which changes no level but keeps
+// u r within the integer range.
 template <Pair P, bool Half, class F>
 inline auto orderedSample(F u, F T, F q, F r) {
+    if constexpr (std::is_same_v<typename PairT<P>::Src, Kro32f>) u = limitFar(u);
     const auto t = truncToInt(mulF(u, r));
     F f = mulF(toFloat(t), q);
     const F d = subF(u, f);

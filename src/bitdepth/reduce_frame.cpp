@@ -119,8 +119,8 @@ struct PlainForm {
     static constexpr bool scaled = PairT<P>::unitFactorBits != 0;
 
     template <class F>
-    auto apply(F u) const {  // u: the sample (signed 16-bit biased)
-        const F x = scaled ? mulF(u, splatF<F>(S)) : u;
+    auto apply(F u) const {  // u: the sample (signed 16-bit biased; a float limited to -1..2)
+        const F x = scaled ? mulF(u, splatF<F>(S)) : limitFar(u);
         auto n = nearestLevel(x, splatF<F>(Lf), splatF<F>(qn), splatF<F>(hn), splatF<F>(M));
         n = clampTo(n, PairT<P>::outMax);
         if constexpr (PairT<P>::outBias != 0) n = subI(n, PairT<P>::outBias);

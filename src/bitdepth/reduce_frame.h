@@ -153,6 +153,15 @@ inline float splatF<float>(float v) { return v; }
 template <>
 inline VF splatF<VF>(float v) { return _mm_set1_ps(v); }
 
+// A float sample limited to -1..2 before its level is taken: a sample far
+// outside 0..1 then saturates like one just outside it, where the integer
+// conversion of L x would otherwise overflow. Inside -1..2 nothing changes; a
+// NaN gives -1 (max then min, as the instructions do it).
+inline float limitFar(float x) {
+    return _mm_cvtss_f32(_mm_min_ss(_mm_max_ss(_mm_set_ss(x), _mm_set_ss(-1.0f)), _mm_set_ss(2.0f)));
+}
+inline VF limitFar(VF x) { return _mm_min_ps(_mm_max_ps(x, _mm_set1_ps(-1.0f)), _mm_set1_ps(2.0f)); }
+
 // Plain nearest level of x on the unit scale (no dithering): the stored value
 // before saturation, on 0..M. qn = 1/L, hn = 0.5/L.
 template <class F>
