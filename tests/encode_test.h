@@ -179,6 +179,8 @@ inline void checkEncodeStatuses(const EncOp& op) {
         EXPECT_EQ(call(s.data(), nullptr, steps, {W, H}), kroStatusNullPointer) << op.name;
         EXPECT_EQ(call(s.data(), nullptr, steps, {0, -1}), kroStatusNullPointer) << op.name << " before size";
         EXPECT_EQ(call(s.data(), d.data(), nullptr, {W, H}), kroStatusNullPointer) << op.name << " step array";
+        // a step array is no address: a rejected region reports its size first
+        EXPECT_EQ(call(s.data(), d.data(), nullptr, {0, H}), kroStatusBadSize) << op.name << " step array, width 0";
     }
     // deep null: each element of a plane array, and each address of a P2 or C2 side
     const KroStatus deepBeforeSize =

@@ -129,12 +129,15 @@ TEST(PlanarValues, OddWidths) {
     for (int k = 0; k < 24; ++k) EXPECT_EQ(d[k], 3) << k;
 }
 
-// A null step array is refused with the other addresses, before anything is read.
+// A step array is no image address: null is refused only once the region has
+// passed its checks, and before anything is read.
 TEST(PlanarValues, NullStepArray) {
     Kro8u b[64] = {};
     const Kro8u* src[3] = {b, b, b};
     EXPECT_EQ(kroiYCbCr420ToRGB_8u_P3C3R(src, nullptr, b, 12, {4, 2}), kroStatusNullPointer);
-    EXPECT_EQ(kroiYCbCr420ToRGB_8u_P3C3R(src, nullptr, b, 12, {0, 2}), kroStatusNullPointer);
+    EXPECT_EQ(kroiYCbCr420ToRGB_8u_P3C3R(src, nullptr, b, 12, {0, 2}), kroStatusBadSize);
+    EXPECT_EQ(kroiYCbCr422ToBGR_8u_P3C3R(src, nullptr, b, 12, {1, 1}), kroStatusBadSize);
+    EXPECT_EQ(kroiYCbCr411ToBGR_8u_P3C3R(src, nullptr, b, 12, {3, 1}), kroStatusBadSize);
     EXPECT_EQ(kroiYCbCr422ToRGB_8u_P3C3R(src, nullptr, b, 12, {4, 1}), kroStatusNullPointer);
     EXPECT_EQ(kroiYCbCr411ToBGR_8u_P3C4R(src, nullptr, b, 16, {4, 1}, 0), kroStatusNullPointer);
     EXPECT_EQ(kroiYUV422ToRGB_8u_P3AC4R(src, nullptr, b, 16, {4, 1}), kroStatusNullPointer);

@@ -144,8 +144,11 @@ TEST(Resample, CheckOrder) {
             d2[k] = nullptr;
             EXPECT_EQ(o.fn(sp, st, d2, st, {0, 0}), kroStatusNullPointer);
         }
+        // the step arrays are not checked arguments: a rejected region reports
+        // its size, an accepted one still refuses a null array
         EXPECT_EQ(o.fn(sp, nullptr, dp, st, {8, 4}), kroStatusNullPointer);
         EXPECT_EQ(o.fn(sp, st, dp, nullptr, {8, 4}), kroStatusNullPointer);
+        EXPECT_EQ(o.fn(sp, nullptr, dp, nullptr, {2, 2}), kroStatusBadSize);
         const bool to411 = o.op == Op::To411;
         struct Sz {
             int w, h;

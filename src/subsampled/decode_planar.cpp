@@ -43,17 +43,20 @@ using RowYuv422 = DecodeRow<Span::S16, Y2, Y2, Y4, Odd::Plain, Y6>;
 using RowYuv422Ac4 = DecodeRow<Span::S4, Y3, Y3, Y4, Odd::Plain, Y6>;
 
 // ------------------------------------------------------------ entry checks
-// null: the plane and step arrays and the destination; deep: the plane elements.
-inline bool nullPlanes(const Kro8u* const* p, const int* steps) { return anyNull(p, steps); }
+// null: the plane array and the destination; deep: the plane elements. The
+// step array is no image address: it is tested after all of these and the
+// size, so a rejected region reports its size, and it is never dereferenced
+// when null.
 inline bool deepNull(const Kro8u* const* p) { return anyPlaneNull(p, 3); }
 
 // null, size, deep null; then the 4:2:0 row pairs and the odd-size warning.
 template <class Row, class Src, class Dst>
 KroStatus run420(const Kro8u* const pSrc[3], const int srcStep[3], const void* pDst, const Src& src, const Dst& dst,
                  kroiSize roi, int minW = 1, int minH = 1, Kro8u* const* dstPlanes = nullptr) {
-    if (nullPlanes(pSrc, srcStep) || pDst == nullptr) return kroStatusNullPointer;
+    if (anyNull(pSrc, pDst)) return kroStatusNullPointer;
     if (badSize(roi, minW, minH)) return kroStatusBadSize;
-    if (deepNull(pSrc) || (dstPlanes && anyPlaneNull(dstPlanes, 3))) return kroStatusNullPointer;
+    if (deepNull(pSrc) || (dstPlanes && anyPlaneNull(dstPlanes, 3)) || srcStep == nullptr)
+        return kroStatusNullPointer;
     Row::rowPairs(src, dst, roi);
     return sub::oddStatus(sub::k420, roi);
 }
@@ -62,9 +65,10 @@ KroStatus run420(const Kro8u* const pSrc[3], const int srcStep[3], const void* p
 template <class Row, class Src, class Dst>
 KroStatus run422(const Kro8u* const pSrc[3], const int srcStep[3], const void* pDst, const Src& src, const Dst& dst,
                  kroiSize roi, Kro8u* const* dstPlanes = nullptr) {
-    if (nullPlanes(pSrc, srcStep) || pDst == nullptr) return kroStatusNullPointer;
+    if (anyNull(pSrc, pDst)) return kroStatusNullPointer;
     if (badSize(roi)) return kroStatusBadSize;
-    if (deepNull(pSrc) || (dstPlanes && anyPlaneNull(dstPlanes, 3))) return kroStatusNullPointer;
+    if (deepNull(pSrc) || (dstPlanes && anyPlaneNull(dstPlanes, 3)) || srcStep == nullptr)
+        return kroStatusNullPointer;
     Row::rows(src, dst, roi, 2);
     return kroStatusOk;
 }
@@ -173,16 +177,18 @@ KroStatus impl_kroiYUV420ToRGB_8u_P3(const Kro8u* const pSrc[3], Kro8u* const pD
 // deep null, size (at least a whole block across); an odd last column is not written.
 KroStatus impl_kroiYCbCr422ToBGR_8u_P3C3R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* pDst, int dstStep,
                                           kroiSize roiSize) {
-    if (nullPlanes(pSrc, srcStep) || pDst == nullptr || deepNull(pSrc)) return kroStatusNullPointer;
+    if (anyNull(pSrc, pDst) || deepNull(pSrc)) return kroStatusNullPointer;
     if (badSize(roiSize, 2, 1)) return kroStatusBadSize;
+    if (srcStep == nullptr) return kroStatusNullPointer;
     Row422::rows(P422{pSrc, srcStep}, OutC3<true>{pDst, dstStep}, roiSize, 2);
     return kroStatusOk;
 }
 
 KroStatus impl_kroiYCbCr422ToRGB_8u_P3C3R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* pDst, int dstStep,
                                           kroiSize roiSize) {
-    if (nullPlanes(pSrc, srcStep) || pDst == nullptr || deepNull(pSrc)) return kroStatusNullPointer;
+    if (anyNull(pSrc, pDst) || deepNull(pSrc)) return kroStatusNullPointer;
     if (badSize(roiSize, 2, 1)) return kroStatusBadSize;
+    if (srcStep == nullptr) return kroStatusNullPointer;
     Row422::rows(P422{pSrc, srcStep}, OutC3<false>{pDst, dstStep}, roiSize, 2);
     return kroStatusOk;
 }
@@ -191,16 +197,18 @@ KroStatus impl_kroiYCbCr422ToRGB_8u_P3C3R(const Kro8u* const pSrc[3], const int 
 // chroma; no warning.
 KroStatus impl_kroiYCbCr411ToBGR_8u_P3C3R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* pDst, int dstStep,
                                           kroiSize roiSize) {
-    if (nullPlanes(pSrc, srcStep) || pDst == nullptr || deepNull(pSrc)) return kroStatusNullPointer;
+    if (anyNull(pSrc, pDst) || deepNull(pSrc)) return kroStatusNullPointer;
     if (badSize(roiSize, 4, 1)) return kroStatusBadSize;
+    if (srcStep == nullptr) return kroStatusNullPointer;
     Row411::rows(P411{pSrc, srcStep}, OutC3<true>{pDst, dstStep}, roiSize, 4);
     return kroStatusOk;
 }
 
 KroStatus impl_kroiYCbCr411ToBGR_8u_P3C4R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* pDst, int dstStep,
                                           kroiSize roiSize, Kro8u aval) {
-    if (nullPlanes(pSrc, srcStep) || pDst == nullptr || deepNull(pSrc)) return kroStatusNullPointer;
+    if (anyNull(pSrc, pDst) || deepNull(pSrc)) return kroStatusNullPointer;
     if (badSize(roiSize, 4, 1)) return kroStatusBadSize;
+    if (srcStep == nullptr) return kroStatusNullPointer;
     Row411::rows(P411{pSrc, srcStep}, OutC4<true>{pDst, dstStep, aval}, roiSize, 4);
     return kroStatusOk;
 }

@@ -100,8 +100,8 @@ bool yuvPlanesAligned(const Kro8u* pSrc, int srcStep, Kro8u* const pDst[3], cons
 }
 
 KroStatus yuvC3P3R(const Kro8u* pSrc, int srcStep, Kro8u* const pDst[3], const int dstStep[3], kroiSize roi) {
-    const KroStatus st = checkEntry<kLate>(
-        anyNull(pSrc, pDst, dstStep), [&] { return anyPlaneNull(pDst, 3); }, roi, 1, 1);
+    KroStatus st = checkEntry<kLate>(anyNull(pSrc, pDst), [&] { return anyPlaneNull(pDst, 3); }, roi, 1, 1);
+    if (st == kroStatusOk) st = stepArraysNull(dstStep);
     if (st != kroStatusOk) return st;
     if (yuvPlanesAligned(pSrc, srcStep, pDst, dstStep))
         YuvPlanesAligned::region(SrcRGB{pSrc, srcStep}, DstPlanes<kYUV422P3>{pDst, dstStep}, roi);

@@ -15,13 +15,20 @@ constexpr KroStatus encodeStatus(Block b, kroiSize roi) {
 
 inline bool noPlaneNull() { return false; }
 
-// Interleaved source to three planes with a step each. The step array counts
-// with the destination array as an address.
+// A step array is no image address: it is tested after every check of the
+// operation has passed, so a rejected region still reports its size, and a
+// null array is never dereferenced.
+template <class... P>
+inline KroStatus stepArraysNull(const P*... steps) {
+    return anyNull(steps...) ? kroStatusNullPointer : kroStatusOk;
+}
+
+// Interleaved source to three planes with a step each.
 template <class Enc, class Src, const Planar& F, CheckOrder O, int MinW, int MinH>
 KroStatus interleavedToPlanes(const Kro8u* pSrc, int srcStep, Kro8u* const pDst[3], const int dstStep[3],
                               kroiSize roi) {
-    const KroStatus st =
-        checkEntry<O>(anyNull(pSrc, pDst, dstStep), [&] { return anyPlaneNull(pDst, 3); }, roi, MinW, MinH);
+    KroStatus st = checkEntry<O>(anyNull(pSrc, pDst), [&] { return anyPlaneNull(pDst, 3); }, roi, MinW, MinH);
+    if (st == kroStatusOk) st = stepArraysNull(dstStep);
     if (st != kroStatusOk) return st;
     Enc::region(Src{pSrc, srcStep}, DstPlanes<F>{pDst, dstStep}, roi);
     return encodeStatus(F.block, roi);
@@ -31,9 +38,9 @@ KroStatus interleavedToPlanes(const Kro8u* pSrc, int srcStep, Kro8u* const pDst[
 template <class Enc, const Planar& F, CheckOrder O, int MinW, int MinH>
 KroStatus planesToPlanes(const Kro8u* const pSrc[3], int srcStep, Kro8u* const pDst[3], const int dstStep[3],
                          kroiSize roi) {
-    const KroStatus st = checkEntry<O>(
-        anyNull(pSrc, pDst, dstStep), [&] { return anyPlaneNull(pSrc, 3) || anyPlaneNull(pDst, 3); }, roi, MinW,
-        MinH);
+    KroStatus st = checkEntry<O>(
+        anyNull(pSrc, pDst), [&] { return anyPlaneNull(pSrc, 3) || anyPlaneNull(pDst, 3); }, roi, MinW, MinH);
+    if (st == kroStatusOk) st = stepArraysNull(dstStep);
     if (st != kroStatusOk) return st;
     Enc::region(SrcRGBPlanes{pSrc, srcStep}, DstPlanes<F>{pDst, dstStep}, roi);
     return encodeStatus(F.block, roi);

@@ -13,15 +13,16 @@ namespace {
 
 // Rule, source, destination, smallest width and height (0: height not
 // tested), luma copies bypassing the cache, +35 for an odd width, the size
-// tested between the addresses and the plane elements.
+// tested between the addresses and the plane elements, and (where given) the
+// step array tested with the addresses.
 constexpr Op kCbYCr422ToYCbCr422_C2R{Rule::Keep, c2(kCbYCr422C2), c2(kYCbCr422C2), 2, 1, Bypass::Never, false, false};
 constexpr Op kCbYCr422ToYCbCr422_C2P3R{Rule::Keep, c2(kCbYCr422C2), p3(kYCbCr422P3), 2, 1, Bypass::Never, false, false};
 constexpr Op kYCbCr422ToCbYCr422_C2R{Rule::Keep, c2(kYCbCr422C2), c2(kCbYCr422C2), 2, 1, Bypass::Never, false, false};
 constexpr Op kYCbCr422ToCbYCr422_P3C2R{Rule::Keep, p3(kYCbCr422P3), c2(kCbYCr422C2), 2, 1, Bypass::Never, true, false};
 constexpr Op kYCbCr422ToYCrCb422_C2R{Rule::Keep, c2(kYCbCr422C2), c2(kYCrCb422C2), 2, 0, Bypass::Never, false, false};
 constexpr Op kYCbCr422ToYCrCb422_P3C2R{Rule::Keep, p3(kYCbCr422P3), c2(kYCrCb422C2), 2, 0, Bypass::Never, false, false};
-constexpr Op kYCrCb422ToYCbCr422_C2P3R{Rule::Keep, c2(kYCrCb422C2), p3(kYCbCr422P3), 2, 1, Bypass::Never, false, false};
-constexpr Op kYCbCr422_C2P3R{Rule::Keep, c2(kYCbCr422C2), p3(kYCbCr422P3), 2, 1, Bypass::Never, false, false};
+constexpr Op kYCrCb422ToYCbCr422_C2P3R{Rule::Keep, c2(kYCrCb422C2), p3(kYCbCr422P3), 2, 1, Bypass::Never, false, false, true};
+constexpr Op kYCbCr422_C2P3R{Rule::Keep, c2(kYCbCr422C2), p3(kYCbCr422P3), 2, 1, Bypass::Never, false, false, true};
 constexpr Op kYCbCr422_P3C2R{Rule::Keep, p3(kYCbCr422P3), c2(kYCbCr422C2), 2, 1, Bypass::Never, false, false};
 constexpr Op kYCbCr420_P2P3R{Rule::Keep, p2(kYCbCr420P2), p3(kYCbCr420P3), 2, 2, Bypass::Never, false, false};
 constexpr Op kYCbCr420_P3P2R{Rule::Keep, p3(kYCbCr420P3), p2(kYCbCr420P2), 2, 2, Bypass::Never, false, false};

@@ -55,6 +55,7 @@ struct Op {
     Bypass bypass;
     bool warnOddWidth;        // +35 for an odd width, after the whole pairs
     bool sizeBeforeElements;  // null, width/height at least 1, plane elements, then the smallest region
+    bool stepArrayIsAddress = false;  // a null step array fails with the addresses, not after the size
 };
 
 // ------------------------------------------------------------ row kernels
@@ -334,10 +335,12 @@ struct Repack {
 // ------------------------------------------------------------ entry
 // The checks in the operation's order, the rounding of the region to whole
 // blocks, the region driver and the result.
+// A null step array is tested last (or with the addresses where the operation
+// says so), so a rejected region reports its size; it is never dereferenced.
 template <const Op& O>
-KroStatus run(bool addressNull, bool elementNull, const Frame<const Kro8u>& s, const Frame<Kro8u>& d,
+KroStatus run(bool addressNull, bool elementNull, bool stepNull, const Frame<const Kro8u>& s, const Frame<Kro8u>& d,
               kroiSize roi) {
-    if (addressNull) return kroStatusNullPointer;
+    if (addressNull || (O.stepArrayIsAddress && stepNull)) return kroStatusNullPointer;
     if constexpr (O.sizeBeforeElements) {
         if (roi.width < 1 || roi.height < 1) return kroStatusBadSize;
         if (elementNull) return kroStatusNullPointer;
@@ -345,6 +348,7 @@ KroStatus run(bool addressNull, bool elementNull, const Frame<const Kro8u>& s, c
         if (elementNull) return kroStatusNullPointer;
     }
     if (roi.width < O.minW || (O.minH > 0 && roi.height < O.minH)) return kroStatusBadSize;
+    if (stepNull) return kroStatusNullPointer;
 
     constexpr int bw = O.src.block.w > O.dst.block.w ? O.src.block.w : O.dst.block.w;
     constexpr int bh = O.src.block.h > O.dst.block.h ? O.src.block.h : O.dst.block.h;
@@ -363,58 +367,61 @@ KroStatus run(bool addressNull, bool elementNull, const Frame<const Kro8u>& s, c
     return O.warnOddWidth && (roi.width & 1) ? kroStatusOddSize : kroStatusOk;
 }
 
-// One entry per argument layout; `stepArray` says whether the step arrays
-// count among the addresses tested for null.
+// One entry per argument layout. A step array's elements are read only
+// through stepAt, which a null array leaves at 0 until run rejects it.
+inline int stepAt(const int* steps, int k) { return steps != nullptr ? steps[k] : 0; }
+
 template <const Op& O>
 KroStatus c2ToC2(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roi) {
-    return run<O>(pSrc == nullptr || pDst == nullptr, false, {{pSrc, nullptr, nullptr}, {srcStep, 0, 0}},
+    return run<O>(pSrc == nullptr || pDst == nullptr, false, false, {{pSrc, nullptr, nullptr}, {srcStep, 0, 0}},
                   {{pDst, nullptr, nullptr}, {dstStep, 0, 0}}, roi);
 }
 
 template <const Op& O>
 KroStatus c2ToP3(const Kro8u* pSrc, int srcStep, Kro8u* const pDst[3], const int dstStep[3], kroiSize roi) {
-    if (pSrc == nullptr || pDst == nullptr || dstStep == nullptr) return kroStatusNullPointer;
-    return run<O>(false, anyPlaneNull(pDst, 3), {{pSrc, nullptr, nullptr}, {srcStep, 0, 0}},
-                  {{pDst[0], pDst[1], pDst[2]}, {dstStep[0], dstStep[1], dstStep[2]}}, roi);
+    if (pSrc == nullptr || pDst == nullptr) return kroStatusNullPointer;
+    return run<O>(false, anyPlaneNull(pDst, 3), dstStep == nullptr, {{pSrc, nullptr, nullptr}, {srcStep, 0, 0}},
+                  {{pDst[0], pDst[1], pDst[2]}, {stepAt(dstStep, 0), stepAt(dstStep, 1), stepAt(dstStep, 2)}}, roi);
 }
 
 template <const Op& O>
 KroStatus c2ToP2(const Kro8u* pSrc, int srcStep, Kro8u* pDstY, int dstYStep, Kro8u* pDstCbCr, int dstCbCrStep,
                  kroiSize roi) {
-    return run<O>(pSrc == nullptr || pDstY == nullptr || pDstCbCr == nullptr, false,
+    return run<O>(pSrc == nullptr || pDstY == nullptr || pDstCbCr == nullptr, false, false,
                   {{pSrc, nullptr, nullptr}, {srcStep, 0, 0}}, {{pDstY, pDstCbCr, nullptr}, {dstYStep, dstCbCrStep, 0}},
                   roi);
 }
 
 template <const Op& O>
 KroStatus p3ToC2(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* pDst, int dstStep, kroiSize roi) {
-    if (pSrc == nullptr || srcStep == nullptr || pDst == nullptr) return kroStatusNullPointer;
-    return run<O>(false, anyPlaneNull(pSrc, 3), {{pSrc[0], pSrc[1], pSrc[2]}, {srcStep[0], srcStep[1], srcStep[2]}},
+    if (pSrc == nullptr || pDst == nullptr) return kroStatusNullPointer;
+    return run<O>(false, anyPlaneNull(pSrc, 3), srcStep == nullptr,
+                  {{pSrc[0], pSrc[1], pSrc[2]}, {stepAt(srcStep, 0), stepAt(srcStep, 1), stepAt(srcStep, 2)}},
                   {{pDst, nullptr, nullptr}, {dstStep, 0, 0}}, roi);
 }
 
 template <const Op& O>
 KroStatus p3ToP2(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* pDstY, int dstYStep, Kro8u* pDstCbCr,
                  int dstCbCrStep, kroiSize roi) {
-    if (pSrc == nullptr || srcStep == nullptr || pDstY == nullptr || pDstCbCr == nullptr)
-        return kroStatusNullPointer;
-    return run<O>(false, anyPlaneNull(pSrc, 3), {{pSrc[0], pSrc[1], pSrc[2]}, {srcStep[0], srcStep[1], srcStep[2]}},
+    if (pSrc == nullptr || pDstY == nullptr || pDstCbCr == nullptr) return kroStatusNullPointer;
+    return run<O>(false, anyPlaneNull(pSrc, 3), srcStep == nullptr,
+                  {{pSrc[0], pSrc[1], pSrc[2]}, {stepAt(srcStep, 0), stepAt(srcStep, 1), stepAt(srcStep, 2)}},
                   {{pDstY, pDstCbCr, nullptr}, {dstYStep, dstCbCrStep, 0}}, roi);
 }
 
 template <const Op& O>
 KroStatus p3ToP3(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* const pDst[3], const int dstStep[3],
                  kroiSize roi) {
-    if (pSrc == nullptr || srcStep == nullptr || pDst == nullptr || dstStep == nullptr) return kroStatusNullPointer;
-    return run<O>(false, anyPlaneNull(pSrc, 3) || anyPlaneNull(pDst, 3),
-                  {{pSrc[0], pSrc[1], pSrc[2]}, {srcStep[0], srcStep[1], srcStep[2]}},
-                  {{pDst[0], pDst[1], pDst[2]}, {dstStep[0], dstStep[1], dstStep[2]}}, roi);
+    if (pSrc == nullptr || pDst == nullptr) return kroStatusNullPointer;
+    return run<O>(false, anyPlaneNull(pSrc, 3) || anyPlaneNull(pDst, 3), srcStep == nullptr || dstStep == nullptr,
+                  {{pSrc[0], pSrc[1], pSrc[2]}, {stepAt(srcStep, 0), stepAt(srcStep, 1), stepAt(srcStep, 2)}},
+                  {{pDst[0], pDst[1], pDst[2]}, {stepAt(dstStep, 0), stepAt(dstStep, 1), stepAt(dstStep, 2)}}, roi);
 }
 
 template <const Op& O>
 KroStatus p2ToC2(const Kro8u* pSrcY, int srcYStep, const Kro8u* pSrcCbCr, int srcCbCrStep, Kro8u* pDst, int dstStep,
                  kroiSize roi) {
-    return run<O>(pSrcY == nullptr || pSrcCbCr == nullptr || pDst == nullptr, false,
+    return run<O>(pSrcY == nullptr || pSrcCbCr == nullptr || pDst == nullptr, false, false,
                   {{pSrcY, pSrcCbCr, nullptr}, {srcYStep, srcCbCrStep, 0}}, {{pDst, nullptr, nullptr}, {dstStep, 0, 0}},
                   roi);
 }
@@ -422,10 +429,9 @@ KroStatus p2ToC2(const Kro8u* pSrcY, int srcYStep, const Kro8u* pSrcCbCr, int sr
 template <const Op& O>
 KroStatus p2ToP3(const Kro8u* pSrcY, int srcYStep, const Kro8u* pSrcCbCr, int srcCbCrStep, Kro8u* const pDst[3],
                  const int dstStep[3], kroiSize roi) {
-    if (pSrcY == nullptr || pSrcCbCr == nullptr || pDst == nullptr || dstStep == nullptr)
-        return kroStatusNullPointer;
-    return run<O>(false, anyPlaneNull(pDst, 3), {{pSrcY, pSrcCbCr, nullptr}, {srcYStep, srcCbCrStep, 0}},
-                  {{pDst[0], pDst[1], pDst[2]}, {dstStep[0], dstStep[1], dstStep[2]}}, roi);
+    if (pSrcY == nullptr || pSrcCbCr == nullptr || pDst == nullptr) return kroStatusNullPointer;
+    return run<O>(false, anyPlaneNull(pDst, 3), dstStep == nullptr, {{pSrcY, pSrcCbCr, nullptr}, {srcYStep, srcCbCrStep, 0}},
+                  {{pDst[0], pDst[1], pDst[2]}, {stepAt(dstStep, 0), stepAt(dstStep, 1), stepAt(dstStep, 2)}}, roi);
 }
 
 }  // namespace kro::sub::rep

@@ -7,8 +7,8 @@
 // from the left) take avgUp, later columns avgDown, so the same pair of
 // samples may average differently at two places in a row.
 //
-// Entry: pSrc, pDst null, then their elements, then the step arrays (-8);
-// then the size rule (-6). Order of work: luma, Cb, Cr.
+// Entry: pSrc, pDst null, then their elements (-8); then the size rule (-6);
+// a null step array last (-8). Order of work: luma, Cb, Cr.
 // Row kernels: 16 chroma samples a step in byte vectors, scalar tail.
 #include <cstring>
 
@@ -169,8 +169,10 @@ KroStatus entry(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* const p
                 kroiSize roi) {
     if (anyNull(pSrc, pDst)) return kroStatusNullPointer;
     if (anyPlaneNull(pSrc, 3) || anyPlaneNull(pDst, 3)) return kroStatusNullPointer;
-    if (anyNull(srcStep, dstStep)) return kroStatusNullPointer;
     if (Op::badSize(roi)) return kroStatusBadSize;
+    // The step arrays are not among the checked arguments; a null one is
+    // still refused rather than read, once the region has passed.
+    if (anyNull(srcStep, dstStep)) return kroStatusNullPointer;
     planeCopy(pSrc[0], srcStep[0], pDst[0], dstStep[0], roi.width, roi.height);
     for (int k = 1; k < 3; ++k) Op::chroma(pSrc[k], srcStep[k], pDst[k], dstStep[k], roi.width, roi.height);
     return kroStatusOk;
