@@ -666,6 +666,9 @@ KroStatus kroiYCrCb420ToBGR_Filter_8u_P3C4R(const Kro8u* const pSrc[3], const in
 /* ------------------------------------------------------------ 10-bit packed video and gamma-encoded 4:2:2 */
 /* 10-bit packed 4:2:2 (groups of 6 pixels in 4 words) to one 16-bit 5-6-5 sample a pixel, or to the
  * 10-bit luma. srcStep counts 32-bit words and dstStep 16-bit samples. */
+KroStatus kroiYUV422v210ToRGB_709HDTV_32u16u_C3(const Kro32u* pSrc, int srcStep, Kro16u* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiYUV422v210ToBGR_709HDTV_32u16u_C3(const Kro32u* pSrc, int srcStep, Kro16u* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiYUV422v210ToGray_709HDTV_32u16u_C3C1(const Kro32u* pSrc, int srcStep, Kro16u* pDst, int dstStep, kroiSize roiSize);
 /* RGB through the forward BT.709 transfer curve to packed CbYCr 4:2:2 with a 1/4 1/2 1/4 chroma filter. */
 KroStatus kroiRGBToCbYCr422Gamma_8u_C3C2R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
 
