@@ -75,6 +75,14 @@ typedef enum KroiBayerGrid {
     kroiBayerGRBG = 3
 } KroiBayerGrid;
 
+/* Strip positions of the `layout` argument of the vertical filters with strips (an int argument);
+ * a whole image is any value with all three bits set, such as 21. */
+enum {
+    kroiStripTop = 1,
+    kroiStripCenter = 4,
+    kroiStripBottom = 16
+};
+
 /* ------------------------------------------------------------ version */
 typedef struct KroLibraryVersion {
     int majorVersion;
@@ -660,12 +668,21 @@ KroStatus kroiYCbCr420ToCbYCr422_Interlace_8u_P3C2R(const Kro8u* const pSrc[3], 
 KroStatus kroiYCbCr420ToYCbCr422_Filter_8u_P3R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* const pDst[3], const int dstStep[3], kroiSize roiSize);
 KroStatus kroiYCrCb420ToYCbCr422_Filter_8u_P3R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* const pDst[3], const int dstStep[3], kroiSize roiSize);
 KroStatus kroiYCbCr420ToYCbCr422_Filter_8u_P2P3R(const Kro8u* pSrcY, int srcYStep, const Kro8u* pSrcCbCr, int srcCbCrStep, Kro8u* const pDst[3], const int dstStep[3], kroiSize roiSize);
+/* Semi-planar 4:2:0 to packed YCbCr 4:2:2 and to three planes, luma smoothed between rows and chroma
+ * averaged between two rows. layout: kroiStripTop (1), kroiStripCenter (4), kroiStripBottom (16) for an
+ * image passed in strips (center and bottom strips start two luma rows and one chroma row above their
+ * addresses), any value with those three bits set for a whole image; any other value does nothing. */
+KroStatus kroiYCbCr420ToYCbCr422_Filter_8u_P2C2R(const Kro8u* pSrcY, int srcYStep, const Kro8u* pSrcCbCr, int srcCbCrStep, Kro8u* pDst, int dstStep, kroiSize roiSize, int layout);
+KroStatus kroiYCbCr420ToYCrCb420_Filter_8u_P2P3R(const Kro8u* pSrcY, int srcYStep, const Kro8u* pSrcCbCr, int srcCbCrStep, Kro8u* const pDst[3], const int dstStep[3], kroiSize roiSize, int layout);
 /* 4:2:0 YCrCb planes to BGRA, chroma interpolated across between pairs; aval fills the fourth sample. */
 KroStatus kroiYCrCb420ToBGR_Filter_8u_P3C4R(const Kro8u* const pSrc[3], const int srcStep[3], Kro8u* pDst, int dstStep, kroiSize roiSize, Kro8u aval);
 
 /* ------------------------------------------------------------ 10-bit packed video and gamma-encoded 4:2:2 */
 /* 10-bit packed 4:2:2 (groups of 6 pixels in 4 words) to one 16-bit 5-6-5 sample a pixel, or to the
  * 10-bit luma. srcStep counts 32-bit words and dstStep 16-bit samples. */
+KroStatus kroiYUV422v210ToRGB_709HDTV_32u16u_C3(const Kro32u* pSrc, int srcStep, Kro16u* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiYUV422v210ToBGR_709HDTV_32u16u_C3(const Kro32u* pSrc, int srcStep, Kro16u* pDst, int dstStep, kroiSize roiSize);
+KroStatus kroiYUV422v210ToGray_709HDTV_32u16u_C3C1(const Kro32u* pSrc, int srcStep, Kro16u* pDst, int dstStep, kroiSize roiSize);
 /* RGB through the forward BT.709 transfer curve to packed CbYCr 4:2:2 with a 1/4 1/2 1/4 chroma filter. */
 KroStatus kroiRGBToCbYCr422Gamma_8u_C3C2R(const Kro8u* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roiSize);
 
