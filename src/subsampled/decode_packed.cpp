@@ -4,6 +4,7 @@
 // other chroma of the group before (rules O and O').
 #include "impl_decls.h"
 #include "matrix/ycbcr_forms.h"
+#include "matrix/ycbcr_rows.h"
 #include "subsampled/decode_rows.h"
 
 using namespace kro;
@@ -16,7 +17,7 @@ using YCbCr = SrcC2<sub::kYCbCr422C2>;
 using YCrCb = SrcC2<sub::kYCrCb422C2>;
 using YUV = SrcC2<sub::kYUV422C2>;
 template <bool Swap>
-using OutC3 = DstC8<3, Swap, Alpha::None>;
+using OutC3 = ycbcr::DstC3Blend<Swap>;  // 16 pixels interleaved by blends
 template <bool Swap>
 using OutC4 = DstC8<4, Swap, Alpha::Aval>;
 using OutP3 = DstP8<3>;

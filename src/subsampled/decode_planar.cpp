@@ -5,6 +5,7 @@
 
 #include "impl_decls.h"
 #include "matrix/ycbcr_forms.h"
+#include "matrix/ycbcr_rows.h"
 #include "subsampled/decode_rows.h"
 
 using namespace kro;
@@ -17,7 +18,7 @@ using P420CrFirst = SrcP3Sub<2, 2, 2, 1>;  // element 1 of the plane array is Cr
 using P411 = SrcP3Sub<4, 1>;
 using P422 = SrcP3Sub<2, 1>;
 template <bool Swap>
-using OutC3 = DstC8<3, Swap, Alpha::None>;
+using OutC3 = ycbcr::DstC3Blend<Swap>;  // 16 pixels interleaved by blends
 template <bool Swap>
 using OutC4 = DstC8<4, Swap, Alpha::Aval>;
 using OutP3 = DstP8<3>;

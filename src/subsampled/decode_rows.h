@@ -101,31 +101,43 @@ struct SrcC2 {
     struct Row {
         static constexpr bool kChroma8 = true;
         const uint8_t* p;
+        // Pixels x .. x + 15 from their 32 bytes: luma and chroma take opposite
+        // byte parities, so masking and shifting each 16-bit lane and packing
+        // gives the 16 luma bytes and the eight groups' chroma pairs in order.
+        static constexpr bool kLumaEven = L.y0 == 0;
+        static constexpr int kCbOff = L.cb < L.cr ? 0 : 1;  // Cb's place in a chroma pair
+        void split16(int x, V& luma, V& pairs) const {
+            const V a = loadLow<16, Aligned>(p + 2 * x), b = loadLow<16, Aligned>(p + 2 * x + 16);
+            const V low = _mm_set1_epi16(0x00ff);
+            const V even = _mm_packus_epi16(_mm_and_si128(a, low), _mm_and_si128(b, low));
+            const V odd = _mm_packus_epi16(_mm_srli_epi16(a, 8), _mm_srli_epi16(b, 8));
+            luma = kLumaEven ? even : odd;
+            pairs = kLumaEven ? odd : even;
+        }
         // the luma bytes of pixels x .. x + 15, and their eight groups' chroma in 16-bit lanes
         V luma16(int x) const {
-            const auto& t = kPackedMasks<L>;
-            const V a = loadLow<16, Aligned>(p + 2 * x), b = loadLow<16, Aligned>(p + 2 * x + 16);
-            return _mm_or_si128(_mm_shuffle_epi8(a, loadMask(t.m[0][0])), _mm_shuffle_epi8(b, loadMask(t.m[1][0])));
+            V luma, pairs;
+            split16(x, luma, pairs);
+            return luma;
         }
         void chroma8(int x, V& u, V& v) const {
-            const auto& t = kPackedMasks<L>;
-            const V a = loadLow<16, Aligned>(p + 2 * x), b = loadLow<16, Aligned>(p + 2 * x + 16);
-            u = widenLo(_mm_or_si128(_mm_shuffle_epi8(a, loadMask(t.chroma[0][0])),
-                                     _mm_shuffle_epi8(b, loadMask(t.chroma[1][0]))));
-            v = widenLo(_mm_or_si128(_mm_shuffle_epi8(a, loadMask(t.chroma[0][1])),
-                                     _mm_shuffle_epi8(b, loadMask(t.chroma[1][1]))));
+            V luma, pairs;
+            split16(x, luma, pairs);
+            const V first = _mm_and_si128(pairs, _mm_set1_epi16(0x00ff)), second = _mm_srli_epi16(pairs, 8);
+            u = kCbOff == 0 ? first : second;
+            v = kCbOff == 0 ? second : first;
         }
         template <int N>
         void load(int x, Px& px) const {
-            const auto& t = kPackedMasks<L>;
-            const uint8_t* q = p + 2 * x;
             if constexpr (N == 16) {
-                const V a = loadLow<16, Aligned>(q), b = loadLow<16, Aligned>(q + 16);
-                for (int c = 0; c < 3; ++c)
-                    px.c[c] = _mm_or_si128(_mm_shuffle_epi8(a, loadMask(t.m[0][c])),
-                                           _mm_shuffle_epi8(b, loadMask(t.m[1][c])));
+                static constexpr Mask16 kCb = pairMask(kCbOff), kCr = pairMask(1 - kCbOff);
+                V pairs;
+                split16(x, px.c[0], pairs);
+                px.c[1] = _mm_shuffle_epi8(pairs, loadMask(kCb));
+                px.c[2] = _mm_shuffle_epi8(pairs, loadMask(kCr));
             } else {
-                const V a = loadLow<2 * N, Aligned && N == 8>(q);
+                const auto& t = kPackedMasks<L>;
+                const V a = loadLow<2 * N, Aligned && N == 8>(p + 2 * x);
                 for (int c = 0; c < 3; ++c) px.c[c] = _mm_shuffle_epi8(a, loadMask(t.m[0][c]));
             }
             px.c[3] = zero();

@@ -2,6 +2,7 @@
 // RGB and BGR. Every whole block goes through one form: D1 for Cb-first pairs,
 // D2 for Cr-first pairs; the odd last column and row are not written.
 #include "impl_decls.h"
+#include "matrix/ycbcr_rows.h"
 #include "subsampled/decode_rows.h"
 
 using namespace kro;
@@ -34,13 +35,13 @@ KroStatus nullThenSize(const Kro8u* pY, const Kro8u* pC, const Kro8u* pDst, cons
 KroStatus impl_kroiYCbCr420ToBGR_8u_P2C3R(const Kro8u* pSrcY, int srcYStep, const Kro8u* pSrcCbCr,
                                           int srcCbCrStep, Kro8u* pDst, int dstStep, kroiSize roiSize) {
     return nullThenSize<RowD1>(pSrcY, pSrcCbCr, pDst, CbFirst{pSrcY, srcYStep, pSrcCbCr, srcCbCrStep},
-                               DstC8<3, true, Alpha::None>{pDst, dstStep}, roiSize);
+                               ycbcr::DstC3Blend<true>{pDst, dstStep}, roiSize);
 }
 
 KroStatus impl_kroiYCbCr420ToRGB_8u_P2C3R(const Kro8u* pSrcY, int srcYStep, const Kro8u* pSrcCbCr,
                                           int srcCbCrStep, Kro8u* pDst, int dstStep, kroiSize roiSize) {
     return nullThenSize<RowD1>(pSrcY, pSrcCbCr, pDst, CbFirst{pSrcY, srcYStep, pSrcCbCr, srcCbCrStep},
-                               DstC8<3, false, Alpha::None>{pDst, dstStep}, roiSize);
+                               ycbcr::DstC3Blend<false>{pDst, dstStep}, roiSize);
 }
 
 KroStatus impl_kroiYCbCr420ToBGR_8u_P2C4R(const Kro8u* pSrcY, int srcYStep, const Kro8u* pSrcCbCr,
@@ -58,13 +59,13 @@ KroStatus impl_kroiYCbCr420ToRGB_8u_P2C4R(const Kro8u* pSrcY, int srcYStep, cons
 KroStatus impl_kroiYCrCb420ToBGR_8u_P2C3R(const Kro8u* pSrcY, int srcYStep, const Kro8u* pSrcCbCr,
                                           int srcCbCrStep, Kro8u* pDst, int dstStep, kroiSize roiSize) {
     return nullThenSize<RowD2>(pSrcY, pSrcCbCr, pDst, CrFirst{pSrcY, srcYStep, pSrcCbCr, srcCbCrStep},
-                               DstC8<3, true, Alpha::None>{pDst, dstStep}, roiSize);
+                               ycbcr::DstC3Blend<true>{pDst, dstStep}, roiSize);
 }
 
 KroStatus impl_kroiYCrCb420ToRGB_8u_P2C3R(const Kro8u* pSrcY, int srcYStep, const Kro8u* pSrcCbCr,
                                           int srcCbCrStep, Kro8u* pDst, int dstStep, kroiSize roiSize) {
     return nullThenSize<RowD2>(pSrcY, pSrcCbCr, pDst, CrFirst{pSrcY, srcYStep, pSrcCbCr, srcCbCrStep},
-                               DstC8<3, false, Alpha::None>{pDst, dstStep}, roiSize);
+                               ycbcr::DstC3Blend<false>{pDst, dstStep}, roiSize);
 }
 
 // The two Cr-first four-sample forms test the size before the addresses.

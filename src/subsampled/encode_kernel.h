@@ -17,6 +17,7 @@
 
 #include "frame/layout8.h"
 #include "frame/region.h"
+#include "matrix/ycbcr_rows.h"
 #include "subsampled/catalogue.h"
 #include "subsampled/encode_forms.h"
 
@@ -232,11 +233,21 @@ struct Encoder {
         V ch[BH][3][2];
         V yb[BH];
         for (int k = 0; k < BH; ++k) {
-            Px px;
-            s[k].template load<N>(x, px);
-            for (int c = 0; c < 3; ++c) {
-                ch[k][c][0] = widenLo(px.c[c]);
-                ch[k][c][1] = H == 2 ? widenHi(px.c[c]) : ch[k][c][0];
+            if constexpr (N == 16 && ycbcr::HasWords<SRow>::value) {
+                // 16 pixels straight into 16-bit lanes
+                V lo[3], hi[3];
+                s[k].loadWords(x, lo, hi);
+                for (int c = 0; c < 3; ++c) {
+                    ch[k][c][0] = lo[c];
+                    ch[k][c][1] = hi[c];
+                }
+            } else {
+                Px px;
+                s[k].template load<N>(x, px);
+                for (int c = 0; c < 3; ++c) {
+                    ch[k][c][0] = widenLo(px.c[c]);
+                    ch[k][c][1] = H == 2 ? widenHi(px.c[c]) : ch[k][c][0];
+                }
             }
             const V y0 = MY::vec(ch[k][0][0], ch[k][1][0], ch[k][2][0]);
             const V y1 = H == 2 ? MY::vec(ch[k][0][1], ch[k][1][1], ch[k][2][1]) : y0;
@@ -338,8 +349,8 @@ inline KroStatus checkEntry(bool nullTop, const DeepNull& nullDeep, kroiSize roi
 }
 
 // Interleaved and planar RGB sources, in the model's channel order.
-using SrcRGB = SrcC8<3, false>;
-using SrcBGR = SrcC8<3, true>;
+using SrcRGB = ycbcr::SrcC3Blend<false>;  // 16 pixels gathered by blends
+using SrcBGR = ycbcr::SrcC3Blend<true>;
 using SrcRGBx = SrcC8<4, false>;  // fourth sample never read into a result
 using SrcBGRx = SrcC8<4, true>;
 using SrcRGBPlanes = SrcP8<3>;
