@@ -198,8 +198,8 @@ Call adapt(PlanesSToPlanesS f) {
 // adapt(). convert, list and demo pick every line up by themselves.
 // A format pair that several lines reach goes to the line that needs the
 // least repacking (see repackCost), the earlier line on a tie.
-const std::vector<Conversion>& conversions() {
-    static std::vector<Conversion> table = {
+static std::vector<Conversion> makeConversions() {
+    std::vector<Conversion> table = {
         // RGB <-> YUV of analogue video
         KROCC_OP(kroiRGBToYUV_8u_C3R, "rgb24", "yuv24", "analog"),
         KROCC_OP(kroiRGBToYUV_8u_C3P3R, "rgb24", "yuv444p", "analog"),
@@ -393,8 +393,13 @@ const std::vector<Conversion>& conversions() {
     table.push_back(KROCC_OP(kroiYCbCr420ToYCbCr422_Filter_8u_P2C2R, "nv12", "yuyv422", "filter"));
 #endif
 #ifdef KROCC_HAS_kroiYCbCr420ToYCrCb420_Filter_8u_P2P3R
-    table.push_back(KROCC_OP(kroiYCbCr420ToYCrCb420_Filter_8u_P2P3R, "nv12", "yvu420p", "filter"));
+    table.push_back(KROCC_OP(kroiYCbCr420ToYCrCb420_Filter_8u_P2P3R, "nv21", "yvu420p", "filter"));
 #endif
+    return table;
+}
+// Built once: list, convert and demo keep pointers into it.
+const std::vector<Conversion>& conversions() {
+    static const std::vector<Conversion> table = makeConversions();
     return table;
 }
 
