@@ -119,7 +119,9 @@ bool checkAll(const std::vector<Job>& jobs, const std::vector<Size>& sizes, cons
                     const Agreement a = compare(self ? pic : ref, out, kFill, k.in.layout);
                     char buf[160];
                     if (a.decoded) {
-                        good = a.unwritten < 0.5 && a.meanAbs <= 4.0 && a.farShare <= 0.02;
+                        // Against the picture, subsampled chroma loses detail that a small,
+                        // busy crop shows: krocc's own check allows twice the mean.
+                        good = a.unwritten < 0.5 && a.meanAbs <= (self ? 8.0 : 4.0) && a.farShare <= 0.02;
                         std::snprintf(buf, sizeof buf, "mean |d| %.2f, share > 16 %.4f, fill left %.3f", a.meanAbs,
                                       a.farShare, a.unwritten);
                     } else {
