@@ -134,8 +134,15 @@ void check(bool packed, Pos s, int W, int H, Guard g) {
     for (int j = lw.lo; j <= lw.hi; ++j)
         for (int x = 0; x < w; ++x) dy.atIn(ey, j)[x] = uint8_t(planesLuma(s, Hu, s32, Y, j, x));
     for (int j = cw.lo; j <= cw.hi; ++j)
-        for (int x = 0; x < w; ++x)  // the first byte of each pair to element 1
-            (x % 2 ? d2.atIn(e2, j) : d1.atIn(e1, j))[x / 2] = uint8_t(planesChroma(s, Hu, s32, C, j, x));
+        for (int x = 0; x < w; ++x) {  // the first byte of each pair to element 1
+            // Two statements, not (x % 2 ? a : b)[i]: GCC 12 with -fsanitize=undefined
+            // drops the index from the second branch of that form.
+            const uint8_t v = uint8_t(planesChroma(s, Hu, s32, C, j, x));
+            if (x % 2)
+                d2.atIn(e2, j)[x / 2] = v;
+            else
+                d1.atIn(e1, j)[x / 2] = v;
+        }
     Kro8u* d3[3] = {dy.at(0), d1.at(0), d2.at(0)};
     const int ds[3] = {dy.p.step, d1.p.step, d2.p.step};
     ASSERT_EQ(kroiYCbCr420ToYCrCb420_Filter_8u_P2P3R(y.at(0), y.p.step, c.at(0), c.p.step, d3, ds, {W, H},
