@@ -68,6 +68,12 @@ struct Kernel8 {
             if constexpr (NMin <= 4)
                 for (; x + 4 <= n; x += 4) step<4>(s, d, x);
         }
+        tail(s, d, x, width);
+    }
+
+    // Scalar tail: pixels x to width - 1, one at a time.
+    template <class SRow, class DRow>
+    static void tail(const SRow& s, const DRow& d, int x, int width) {
         for (; x < width; ++x) {
             int in[4];
             s.get(x, in);

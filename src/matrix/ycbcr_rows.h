@@ -98,13 +98,7 @@ struct KernelYcc {
             for (; x + 8 <= n; x += 8) Base::template step<8>(s, d, x);
         if constexpr (NMin <= 4)
             for (; x + 4 <= n; x += 4) Base::template step<4>(s, d, x);
-        for (; x < width; ++x) {
-            int in[4];
-            s.get(x, in);
-            int o[3];
-            TailForm::apply(in[0], in[1], in[2], o[0], o[1], o[2]);
-            d.put(x, o[0], o[1], o[2], in[3]);
-        }
+        Base::tail(s, d, x, width);
     }
 
     template <class Src, class Dst>
