@@ -7,6 +7,7 @@
 
 #include <xmmintrin.h>
 
+#include <array>
 #include <cmath>
 #include <cstring>
 #include <functional>
@@ -66,11 +67,8 @@ template <class T>
 Op opP(const char* name, KroStatus (*f)(const T* const[3], int, T* const[3], int, kroiSize, const Kro32f[3][4])) {
     return {name, int(sizeof(T)), Lay::P3, false, std::is_same_v<T, Kro32f>,
             [f](void* const* s, int ss, void* const* d, int ds, kroiSize r, const float* t) {
-                const T* sp[3] = {s ? static_cast<const T*>(s[0]) : nullptr, s ? static_cast<const T*>(s[1]) : nullptr,
-                                  s ? static_cast<const T*>(s[2]) : nullptr};
-                T* dp[3] = {d ? static_cast<T*>(d[0]) : nullptr, d ? static_cast<T*>(d[1]) : nullptr,
-                            d ? static_cast<T*>(d[2]) : nullptr};
-                return f(s ? sp : nullptr, ss, d ? dp : nullptr, ds, r, reinterpret_cast<M34>(t));
+                return f(reinterpret_cast<const T* const*>(s), ss, reinterpret_cast<T* const*>(d), ds, r,
+                         reinterpret_cast<M34>(t));
             },
             refPixel<T>};
 }
@@ -78,9 +76,7 @@ template <class T>
 Op opPI(const char* name, KroStatus (*f)(T* const[3], int, kroiSize, const Kro32f[3][4])) {
     return {name, int(sizeof(T)), Lay::P3, true, std::is_same_v<T, Kro32f>,
             [f](void* const* s, int ss, void* const*, int, kroiSize r, const float* t) {
-                T* sp[3] = {s ? static_cast<T*>(s[0]) : nullptr, s ? static_cast<T*>(s[1]) : nullptr,
-                            s ? static_cast<T*>(s[2]) : nullptr};
-                return f(s ? sp : nullptr, ss, r, reinterpret_cast<M34>(t));
+                return f(reinterpret_cast<T* const*>(s), ss, r, reinterpret_cast<M34>(t));
             },
             refPixel<T>};
 }
@@ -124,7 +120,10 @@ void randomMatrix(float (&m)[3][4], const Op& op) {
 }
 
 // One run of an operation on a fresh image: returns "" or the first difference.
-std::string runCase(const Op& op, int width, int height, int off, int pad, Guard g, const float (&m)[3][4]) {
+// csr, if not 0: the control register in force for the call, which must be
+// handed back with its control bits unchanged.
+std::string runCase(const Op& op, int width, int height, int off, int pad, Guard g, const float (&m)[3][4],
+                    unsigned csr = 0) {
     const int planes = op.lay == Lay::P3 ? 3 : 1;
     const int ch = op.lay == Lay::P3 ? 1 : op.lay == Lay::C3 ? 3 : 4;
     const int rowBytes = width * ch * op.S + off;
@@ -158,7 +157,12 @@ std::string runCase(const Op& op, int width, int height, int off, int pad, Guard
         sp[p] = src[size_t(p)].origin() + off;
         dp[p] = out[size_t(p)].origin() + off;
     }
+    const unsigned saved = _mm_getcsr();
+    if (csr) _mm_setcsr(csr);
     const KroStatus st = op.call(sp, src[0].step, dp, out[0].step, {width, height}, &m[0][0]);
+    const unsigned after = _mm_getcsr();
+    _mm_setcsr(saved);
+    if (csr && (after & ~0x3fu) != (csr & ~0x3fu)) return "control bits changed";  // flags are sticky
     if (st != kroStatusOk) return "status " + std::to_string(st);
     for (int p = 0; p < planes; ++p) {
         const std::string e = diffPlane(out[size_t(p)], expect[size_t(p)], ch * op.S);
@@ -236,94 +240,20 @@ TEST_P(TwistOp, CheckOrder) {
     EXPECT_EQ(call(s3, 1, d3, 1, {1, 1}, &m[0][0]), kroStatusOk) << o.name;
 }
 
-// In place against out of place on the same data.
-TEST_P(TwistOp, InPlaceMatchesOutOfPlace) {
-    const Op& o = op();
-    if (!o.inPlace) return;
-    const Op* twin = nullptr;
-    std::string twinName = o.name;  // C3IR -> C3R, AC4IR -> AC4R, IP3R -> P3R
-    const size_t at = twinName.rfind('_');
-    twinName.erase(twinName.find('I', at), 1);
-    for (auto& c : ops())
-        if (twinName == c.name) twin = &c;
-    ASSERT_NE(twin, nullptr);
-    const int planes = o.lay == Lay::P3 ? 3 : 1, ch = o.lay == Lay::P3 ? 1 : o.lay == Lay::C3 ? 3 : 4;
-    float m[3][4];
-    randomMatrix(m, o);
-    for (int w : {1, 7, 33}) {
-        const int h = 3, step = w * ch * o.S + 8;
-        std::vector<std::vector<uint8_t>> in(3), out(3), inplace(3);
-        void *sp[3], *dp[3], *ip[3];
-        for (int p = 0; p < planes; ++p) {
-            in[p].resize(size_t(step * h));
-            if (o.isFloat) fillFloats(in[p].data(), in[p].size(), ch);
-            else fillRandom(in[p].data(), in[p].size());
-            out[p] = in[p];
-            inplace[p] = in[p];
-            sp[p] = in[p].data(), dp[p] = out[p].data(), ip[p] = inplace[p].data();
-        }
-        ASSERT_EQ(twin->call(sp, step, dp, step, {w, h}, &m[0][0]), kroStatusOk);
-        ASSERT_EQ(o.call(ip, step, ip, step, {w, h}, &m[0][0]), kroStatusOk);
-        for (int p = 0; p < planes; ++p) EXPECT_EQ(out[p], inplace[p]) << o.name << " width " << w;
-    }
-}
-
 // Under each of the four rounding modes (with flush-to-zero set, which must
-// stay): integer forms give the round-to-nearest results and hand the mode
-// back; 32f forms round by the caller's mode.
+// stay): integer forms give the round-to-nearest results, 32f forms round by
+// the caller's mode (their reference runs under it too).
 TEST_P(TwistOp, CallersRoundingMode) {
     const Op& o = op();
     const unsigned saved = _mm_getcsr();
     for (unsigned mode : {0x0000u, 0x2000u, 0x4000u, 0x6000u}) {
         float m[3][4];
         randomMatrix(m, o);
-        std::string integerResult;
-        if (!o.isFloat) integerResult = runCase(o, 19, 2, 1, 3, Guard::After, m);  // reference under nearest
         const unsigned csr = (saved & ~0x6000u) | mode | 0x8000u;
-        _mm_setcsr(csr);
-        std::string r;
-        if (o.isFloat) {
-            r = runCase(o, 19, 2, 1, 3, Guard::After, m);  // reference under the same mode
-        } else {
-            // the kernels under a foreign mode against the nearest-mode reference
-            const int planes = o.lay == Lay::P3 ? 3 : 1, ch = o.lay == Lay::P3 ? 1 : o.lay == Lay::C3 ? 3 : 4;
-            const int w = 23, h = 2, step = w * ch * o.S;
-            std::vector<std::vector<uint8_t>> in(3), got(3), want(3);
-            void *sp[3], *dp[3];
-            for (int p = 0; p < planes; ++p) {
-                in[p].resize(size_t(step * h));
-                fillRandom(in[p].data(), in[p].size());
-                got[p] = in[p], want[p] = in[p];
-                sp[p] = in[p].data();
-                dp[p] = got[p].data();
-            }
-            if (o.inPlace)
-                for (int p = 0; p < planes; ++p) sp[p] = dp[p];
-            const unsigned inside = _mm_getcsr();
-            _mm_setcsr(saved);
-            for (int y = 0; y < h; ++y)
-                for (int x = 0; x < w; ++x) {
-                    const uint8_t* s[3];
-                    uint8_t* d[3];
-                    for (int c = 0; c < 3; ++c) {
-                        const int p = planes == 3 ? c : 0, at = y * step + (planes == 3 ? x : x * ch + c) * o.S;
-                        s[c] = in[p].data() + at;
-                        d[c] = want[p].data() + at;
-                    }
-                    o.ref(m, s, d);
-                }
-            _mm_setcsr(inside);
-            const KroStatus st = o.call(sp, step, dp, step, {w, h}, &m[0][0]);
-            EXPECT_EQ(_mm_getcsr() & ~0x3fu, csr & ~0x3fu) << o.name << " mode " << mode;  // control bits; flags are sticky
-            _mm_setcsr(saved);
-            EXPECT_EQ(st, kroStatusOk);
-            for (int p = 0; p < planes; ++p) EXPECT_EQ(got[p], want[p]) << o.name << " mode " << mode;
-            _mm_setcsr(csr);
-        }
-        EXPECT_EQ(_mm_getcsr() & ~0x3fu, csr & ~0x3fu) << o.name << " mode " << mode;  // control bits; flags are sticky
+        if (o.isFloat) _mm_setcsr(csr);
+        const std::string e = runCase(o, 19, 2, 1, 3, Guard::After, m, csr);
         _mm_setcsr(saved);
-        EXPECT_EQ(r, "") << o.name << " mode " << mode;
-        EXPECT_EQ(integerResult, "") << o.name;
+        EXPECT_EQ(e, "") << o.name << " mode " << mode;
     }
 }
 
@@ -350,111 +280,46 @@ TEST(TwistExamples, IdentityKeepsIntegerSamples) {
     EXPECT_EQ(s16, e16);
 }
 
-TEST(TwistExamples, TiesGoToEven) {
-    const float m[3][4] = {{1, 0, 0, 0.5f}, {0, 1, 0, 0.5f}, {0, 0, 1, 1.5f}};
+// One pixel repeated over 1, 4 and 5 columns of a C3 form: every column gives the same result.
+template <class T>
+std::array<T, 3> twist1(KroStatus (*f)(const T*, int, T*, int, kroiSize, const Kro32f[3][4]),
+                        const float (&m)[3][4], T a, T b, T c) {
+    std::array<T, 3> r{};
     for (int w : {1, 4, 5}) {
-        std::vector<Kro8u> s(size_t(3 * w), 10), d(size_t(3 * w), 0);
-        ASSERT_EQ(kroiColorTwist32f_8u_C3R(s.data(), 3 * w, d.data(), 3 * w, {w, 1}, m), kroStatusOk);
-        for (int x = 0; x < w; ++x) {
-            EXPECT_EQ(d[size_t(3 * x)], 10);
-            EXPECT_EQ(d[size_t(3 * x + 1)], 10);
-            EXPECT_EQ(d[size_t(3 * x + 2)], 12);
-        }
+        std::vector<T> s, d(size_t(3 * w));
+        for (int x = 0; x < w; ++x) s.insert(s.end(), {a, b, c});
+        const int step = int(sizeof(T)) * 3 * w;
+        EXPECT_EQ(f(s.data(), step, d.data(), step, {w, 1}, m), kroStatusOk);
+        if (w == 1) r = {d[0], d[1], d[2]};
+        for (int x = 0; x < w; ++x) EXPECT_EQ((std::array<T, 3>{d[3 * x], d[3 * x + 1], d[3 * x + 2]}), r) << x;
     }
+    return r;
 }
+struct M34f {
+    float m[3][4];
+};
+M34f offset(float c) { return {{{1, 0, 0, c}, {0, 1, 0, c}, {0, 0, 1, c}}}; }
 
-TEST(TwistExamples, Saturation) {
-    float m[3][4] = {{1, 0, 0, 300}, {0, 1, 0, 300}, {0, 0, 1, 300}};
-    std::vector<Kro8u> s(15, 200), d(15, 1);
-    ASSERT_EQ(kroiColorTwist32f_8u_C3R(s.data(), 15, d.data(), 15, {5, 1}, m), kroStatusOk);
-    for (auto v : d) EXPECT_EQ(v, 255);
-    for (auto& r : m) r[3] = -300;
-    ASSERT_EQ(kroiColorTwist32f_8u_C3R(s.data(), 15, d.data(), 15, {5, 1}, m), kroStatusOk);
-    for (auto v : d) EXPECT_EQ(v, 0);
-
-    for (auto& r : m) r[3] = 1;
-    std::vector<Kro16s> hi(15, 32767), out(15, 0);
-    ASSERT_EQ(kroiColorTwist32f_16s_C3R(hi.data(), 30, out.data(), 30, {5, 1}, m), kroStatusOk);
-    for (auto v : out) EXPECT_EQ(v, 32767);
-    for (auto& r : m) r[3] = -1;
-    std::vector<Kro16s> lo(15, -32768);
-    ASSERT_EQ(kroiColorTwist32f_16s_C3R(lo.data(), 30, out.data(), 30, {5, 1}, m), kroStatusOk);
-    for (auto v : out) EXPECT_EQ(v, -32768);
-
-    for (auto& r : m) r[3] = 70000 - 1000;
-    std::vector<Kro16u> u(15, 1000), uo(15, 0);
-    ASSERT_EQ(kroiColorTwist32f_16u_C3R(u.data(), 30, uo.data(), 30, {5, 1}, m), kroStatusOk);
-    for (auto v : uo) EXPECT_EQ(v, 65535);
-
+TEST(TwistExamples, TiesSaturationAndUnclampedFloats) {
+    using A8 = std::array<Kro8u, 3>;
+    using A16 = std::array<Kro16s, 3>;
+    const float ties[3][4] = {{1, 0, 0, 0.5f}, {0, 1, 0, 0.5f}, {0, 0, 1, 1.5f}};
+    EXPECT_EQ(twist1<Kro8u>(kroiColorTwist32f_8u_C3R, ties, 10, 10, 10), (A8{10, 10, 12}));
+    EXPECT_EQ(twist1<Kro8u>(kroiColorTwist32f_8u_C3R, offset(300).m, 200, 200, 200), (A8{255, 255, 255}));
+    EXPECT_EQ(twist1<Kro8u>(kroiColorTwist32f_8u_C3R, offset(-300).m, 200, 200, 200), (A8{0, 0, 0}));
+    EXPECT_EQ(twist1<Kro16s>(kroiColorTwist32f_16s_C3R, offset(1).m, 32767, 32767, 32767), (A16{32767, 32767, 32767}));
+    EXPECT_EQ(twist1<Kro16s>(kroiColorTwist32f_16s_C3R, offset(-1).m, -32768, -32768, -32768),
+              (A16{-32768, -32768, -32768}));
+    EXPECT_EQ(twist1<Kro16u>(kroiColorTwist32f_16u_C3R, offset(69000).m, 1000, 1000, 1000),
+              (std::array<Kro16u, 3>{65535, 65535, 65535}));
     // NaN takes the upper bound, infinities clamp
     const float inf = std::numeric_limits<float>::infinity(), nan = std::numeric_limits<float>::quiet_NaN();
     const float sp[3][4] = {{nan, 0, 0, 0}, {0, 0, 0, inf}, {0, 0, 0, -inf}};
-    ASSERT_EQ(kroiColorTwist32f_8u_C3R(s.data(), 15, d.data(), 15, {5, 1}, sp), kroStatusOk);
-    for (int x = 0; x < 5; ++x) {
-        EXPECT_EQ(d[size_t(3 * x)], 255);
-        EXPECT_EQ(d[size_t(3 * x + 1)], 255);
-        EXPECT_EQ(d[size_t(3 * x + 2)], 0);
-    }
-    std::vector<Kro16s> so(15, 0);
-    ASSERT_EQ(kroiColorTwist32f_16s_C3R(lo.data(), 30, so.data(), 30, {5, 1}, sp), kroStatusOk);
-    for (int x = 0; x < 5; ++x) {
-        EXPECT_EQ(so[size_t(3 * x)], 32767);
-        EXPECT_EQ(so[size_t(3 * x + 1)], 32767);
-        EXPECT_EQ(so[size_t(3 * x + 2)], -32768);
-    }
-}
-
-TEST(TwistExamples, FloatResultsUnclamped) {
-    const float m[3][4] = {{2, 0, 0, 0}, {0, 1, 0, -3}, {0, 0, 1, 0.25f}};
-    std::vector<Kro32f> s(15, 0.75f), d(15, 0);
-    ASSERT_EQ(kroiColorTwist_32f_C3R(s.data(), 60, d.data(), 60, {5, 1}, m), kroStatusOk);
-    for (int x = 0; x < 5; ++x) {
-        EXPECT_EQ(d[size_t(3 * x)], 1.5f);
-        EXPECT_EQ(d[size_t(3 * x + 1)], -2.25f);
-        EXPECT_EQ(d[size_t(3 * x + 2)], 1.0f);
-    }
-}
-
-TEST(TwistExamples, IntegerFormsIgnoreTruncationMode) {
-    const float m[3][4] = {{0.7f, 0.2f, 0.1f, 0.3f}, {0.1f, 0.8f, 0.1f, 0.6f}, {0.3f, 0.3f, 0.3f, 0.49f}};
-    std::vector<Kro8u> s(3 * 37), a(s.size()), b(s.size());
-    fillRandom(s.data(), s.size());
-    const unsigned saved = _mm_getcsr();
-    ASSERT_EQ(kroiColorTwist32f_8u_C3R(s.data(), 111, a.data(), 111, {37, 1}, m), kroStatusOk);
-    _mm_setcsr((saved & ~0x6000u) | 0x6000u);
-    const KroStatus st = kroiColorTwist32f_8u_C3R(s.data(), 111, b.data(), 111, {37, 1}, m);
-    const unsigned after = _mm_getcsr();
-    _mm_setcsr(saved);
-    EXPECT_EQ(st, kroStatusOk);
-    EXPECT_EQ(after & ~0x3fu, ((saved & ~0x6000u) | 0x6000u) & ~0x3fu);
-    EXPECT_EQ(a, b);
-    // the 32f form rounds its float operations by the caller's mode
-    const float tm[3][4] = {{0.1f, 0, 0, 0.2f}, {0, 0.1f, 0, 0.2f}, {0, 0, 0.1f, 0.2f}};
-    std::vector<Kro32f> fs(3, 1.0f), fn(3), ft(3);
-    ASSERT_EQ(kroiColorTwist_32f_C3R(fs.data(), 12, fn.data(), 12, {1, 1}, tm), kroStatusOk);
-    volatile float a1 = 0.1f, b1 = 0.2f;
-    const float nearest = b1 + a1;
-    _mm_setcsr((saved & ~0x6000u) | 0x6000u);  // toward zero
-    ASSERT_EQ(kroiColorTwist_32f_C3R(fs.data(), 12, ft.data(), 12, {1, 1}, tm), kroStatusOk);
-    const float truncated = b1 + a1;
-    _mm_setcsr(saved);
-    ASSERT_NE(nearest, truncated);
-    EXPECT_EQ(fn[0], nearest);
-    EXPECT_EQ(ft[0], truncated);
-}
-
-TEST(TwistExamples, FourthChannel) {
-    const float m[3][4] = {{0, 1, 0, 1}, {1, 0, 0, 2}, {0, 0, 1, 3}};
-    std::vector<Kro8u> s(4 * 9), d(4 * 9, 77);
-    for (size_t i = 0; i < s.size(); ++i) s[i] = Kro8u(i);
-    ASSERT_EQ(kroiColorTwist32f_8u_AC4R(s.data(), 36, d.data(), 36, {9, 1}, m), kroStatusOk);
-    for (int x = 0; x < 9; ++x) EXPECT_EQ(d[size_t(4 * x + 3)], 77);
-    auto ip = s;
-    ASSERT_EQ(kroiColorTwist32f_8u_AC4IR(ip.data(), 36, {9, 1}, m), kroStatusOk);
-    for (int x = 0; x < 9; ++x) {
-        EXPECT_EQ(ip[size_t(4 * x + 3)], s[size_t(4 * x + 3)]);
-        EXPECT_EQ(ip[size_t(4 * x)], d[size_t(4 * x)]);
-    }
+    EXPECT_EQ(twist1<Kro8u>(kroiColorTwist32f_8u_C3R, sp, 200, 200, 200), (A8{255, 255, 0}));
+    EXPECT_EQ(twist1<Kro16s>(kroiColorTwist32f_16s_C3R, sp, -32768, -32768, -32768), (A16{32767, 32767, -32768}));
+    const float fm[3][4] = {{2, 0, 0, 0}, {0, 1, 0, -3}, {0, 0, 1, 0.25f}};
+    EXPECT_EQ(twist1<Kro32f>(kroiColorTwist_32f_C3R, fm, 0.75f, 0.75f, 0.75f),
+              (std::array<Kro32f, 3>{1.5f, -2.25f, 1.0f}));
 }
 
 // The 32f C3 form: same samples for images just below and above 34993
