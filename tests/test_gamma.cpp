@@ -11,6 +11,7 @@
 #include <functional>
 #include <limits>
 #include <string>
+#include <type_traits>
 
 #include "harness.h"
 #include "krocc.h"
@@ -37,66 +38,40 @@ struct Op {
     Call call;
 };
 
+// One adapter for every entry shape: interleaved, in-place, planar, with or
+// without the range.
 template <class T, auto Fn>
-KroStatus cR(uint8_t* const* s, int ss, uint8_t* const* d, int ds, kroiSize r, float, float) {
-    return Fn(reinterpret_cast<const T*>(s ? s[0] : nullptr), ss, reinterpret_cast<T*>(d ? d[0] : nullptr), ds, r);
-}
-template <class T, auto Fn>
-KroStatus cIR(uint8_t* const*, int, uint8_t* const* d, int ds, kroiSize r, float, float) {
-    return Fn(reinterpret_cast<T*>(d ? d[0] : nullptr), ds, r);
-}
-template <class T, auto Fn>
-KroStatus pR(uint8_t* const* s, int ss, uint8_t* const* d, int ds, kroiSize r, float, float) {
-    return Fn(reinterpret_cast<const T* const*>(s), ss, reinterpret_cast<T* const*>(d), ds, r);
-}
-template <class T, auto Fn>
-KroStatus pIR(uint8_t* const*, int, uint8_t* const* d, int ds, kroiSize r, float, float) {
-    return Fn(reinterpret_cast<T* const*>(d), ds, r);
-}
-template <auto Fn>
-KroStatus fcR(uint8_t* const* s, int ss, uint8_t* const* d, int ds, kroiSize r, float lo, float hi) {
-    return Fn(reinterpret_cast<const Kro32f*>(s ? s[0] : nullptr), ss, reinterpret_cast<Kro32f*>(d ? d[0] : nullptr), ds,
-              r, lo, hi);
-}
-template <auto Fn>
-KroStatus fcIR(uint8_t* const*, int, uint8_t* const* d, int ds, kroiSize r, float lo, float hi) {
-    return Fn(reinterpret_cast<Kro32f*>(d ? d[0] : nullptr), ds, r, lo, hi);
-}
-template <auto Fn>
-KroStatus fpR(uint8_t* const* s, int ss, uint8_t* const* d, int ds, kroiSize r, float lo, float hi) {
-    return Fn(reinterpret_cast<const Kro32f* const*>(s), ss, reinterpret_cast<Kro32f* const*>(d), ds, r, lo, hi);
-}
-template <auto Fn>
-KroStatus fpIR(uint8_t* const*, int, uint8_t* const* d, int ds, kroiSize r, float lo, float hi) {
-    return Fn(reinterpret_cast<Kro32f* const*>(d), ds, r, lo, hi);
+KroStatus callAs(uint8_t* const* s, int ss, uint8_t* const* d, int ds, kroiSize r, float lo, float hi) {
+    using F = decltype(Fn);
+    T* s0 = s ? reinterpret_cast<T*>(s[0]) : nullptr;
+    T* d0 = d ? reinterpret_cast<T*>(d[0]) : nullptr;
+    auto sp = reinterpret_cast<const T* const*>(s);
+    auto dp = reinterpret_cast<T* const*>(d);
+    if constexpr (std::is_invocable_v<F, const T*, int, T*, int, kroiSize>) return Fn(s0, ss, d0, ds, r);
+    else if constexpr (std::is_invocable_v<F, T*, int, kroiSize>) return Fn(d0, ds, r);
+    else if constexpr (std::is_invocable_v<F, const T* const*, int, T* const*, int, kroiSize>) return Fn(sp, ss, dp, ds, r);
+    else if constexpr (std::is_invocable_v<F, T* const*, int, kroiSize>) return Fn(dp, ds, r);
+    else if constexpr (std::is_invocable_v<F, const T*, int, T*, int, kroiSize, float, float>)
+        return Fn(s0, ss, d0, ds, r, lo, hi);
+    else if constexpr (std::is_invocable_v<F, T*, int, kroiSize, float, float>) return Fn(d0, ds, r, lo, hi);
+    else if constexpr (std::is_invocable_v<F, const T* const*, int, T* const*, int, kroiSize, float, float>)
+        return Fn(sp, ss, dp, ds, r, lo, hi);
+    else return Fn(dp, ds, r, lo, hi);
 }
 
-#define INT_OPS(D, fw, T, tag, ty)                                                                           \
-    {"kroiGamma" #D "_" #tag "_C3R", ty, Lay::C3, false, fw, false, cR<T, kroiGamma##D##_##tag##_C3R>},      \
-        {"kroiGamma" #D "_" #tag "_C3IR", ty, Lay::C3, true, fw, false, cIR<T, kroiGamma##D##_##tag##_C3IR>}, \
-        {"kroiGamma" #D "_" #tag "_AC4R", ty, Lay::AC4, false, fw, false, cR<T, kroiGamma##D##_##tag##_AC4R>}, \
-        {"kroiGamma" #D "_" #tag "_AC4IR", ty, Lay::AC4, true, fw, false, cIR<T, kroiGamma##D##_##tag##_AC4IR>}, \
-        {"kroiGamma" #D "_" #tag "_P3R", ty, Lay::P3, false, fw, false, pR<T, kroiGamma##D##_##tag##_P3R>},   \
-        {"kroiGamma" #D "_" #tag "_IP3R", ty, Lay::P3, true, fw, false, pIR<T, kroiGamma##D##_##tag##_IP3R>}
+// w1..w6: whether the float form takes the break test in doubles (part of each operation).
+#define OPS(D, fw, T, tag, ty, w1, w2, w3, w4, w5, w6)                                                          \
+    {"kroiGamma" #D "_" #tag "_C3R", ty, Lay::C3, false, fw, w1, callAs<T, kroiGamma##D##_##tag##_C3R>},        \
+        {"kroiGamma" #D "_" #tag "_C3IR", ty, Lay::C3, true, fw, w2, callAs<T, kroiGamma##D##_##tag##_C3IR>},   \
+        {"kroiGamma" #D "_" #tag "_AC4R", ty, Lay::AC4, false, fw, w3, callAs<T, kroiGamma##D##_##tag##_AC4R>}, \
+        {"kroiGamma" #D "_" #tag "_AC4IR", ty, Lay::AC4, true, fw, w4, callAs<T, kroiGamma##D##_##tag##_AC4IR>}, \
+        {"kroiGamma" #D "_" #tag "_P3R", ty, Lay::P3, false, fw, w5, callAs<T, kroiGamma##D##_##tag##_P3R>},    \
+        {"kroiGamma" #D "_" #tag "_IP3R", ty, Lay::P3, true, fw, w6, callAs<T, kroiGamma##D##_##tag##_IP3R>}
 
-// Which float forms take the break test in doubles is part of each operation.
 const Op kOps[] = {
-    INT_OPS(Fwd, true, Kro8u, 8u, Ty::U8),
-    INT_OPS(Inv, false, Kro8u, 8u, Ty::U8),
-    INT_OPS(Fwd, true, Kro16u, 16u, Ty::U16),
-    INT_OPS(Inv, false, Kro16u, 16u, Ty::U16),
-    {"kroiGammaFwd_32f_C3R", Ty::F32, Lay::C3, false, true, false, fcR<kroiGammaFwd_32f_C3R>},
-    {"kroiGammaFwd_32f_C3IR", Ty::F32, Lay::C3, true, true, false, fcIR<kroiGammaFwd_32f_C3IR>},
-    {"kroiGammaFwd_32f_AC4R", Ty::F32, Lay::AC4, false, true, false, fcR<kroiGammaFwd_32f_AC4R>},
-    {"kroiGammaFwd_32f_AC4IR", Ty::F32, Lay::AC4, true, true, true, fcIR<kroiGammaFwd_32f_AC4IR>},
-    {"kroiGammaFwd_32f_P3R", Ty::F32, Lay::P3, false, true, false, fpR<kroiGammaFwd_32f_P3R>},
-    {"kroiGammaFwd_32f_IP3R", Ty::F32, Lay::P3, true, true, false, fpIR<kroiGammaFwd_32f_IP3R>},
-    {"kroiGammaInv_32f_C3R", Ty::F32, Lay::C3, false, false, false, fcR<kroiGammaInv_32f_C3R>},
-    {"kroiGammaInv_32f_C3IR", Ty::F32, Lay::C3, true, false, false, fcIR<kroiGammaInv_32f_C3IR>},
-    {"kroiGammaInv_32f_AC4R", Ty::F32, Lay::AC4, false, false, true, fcR<kroiGammaInv_32f_AC4R>},
-    {"kroiGammaInv_32f_AC4IR", Ty::F32, Lay::AC4, true, false, true, fcIR<kroiGammaInv_32f_AC4IR>},
-    {"kroiGammaInv_32f_P3R", Ty::F32, Lay::P3, false, false, true, fpR<kroiGammaInv_32f_P3R>},
-    {"kroiGammaInv_32f_IP3R", Ty::F32, Lay::P3, true, false, true, fpIR<kroiGammaInv_32f_IP3R>},
+    OPS(Fwd, true, Kro8u, 8u, Ty::U8, 0, 0, 0, 0, 0, 0),     OPS(Inv, false, Kro8u, 8u, Ty::U8, 0, 0, 0, 0, 0, 0),
+    OPS(Fwd, true, Kro16u, 16u, Ty::U16, 0, 0, 0, 0, 0, 0),  OPS(Inv, false, Kro16u, 16u, Ty::U16, 0, 0, 0, 0, 0, 0),
+    OPS(Fwd, true, Kro32f, 32f, Ty::F32, 0, 0, 0, 1, 0, 0), OPS(Inv, false, Kro32f, 32f, Ty::F32, 0, 0, 1, 1, 1, 1),
 };
 
 int sampleSize(Ty t) { return t == Ty::U8 ? 1 : t == Ty::U16 ? 2 : 4; }
@@ -180,8 +155,8 @@ void fillSamples(const Op& op, Side& s, int width, Fill f, float lo, float hi, u
                 if (op.ty == Ty::F32) {
                     const float v = pickFloat(r, lo, hi);
                     std::memcpy(q, &v, 4);
-                } else if (f == Fill::Ramp) {
-                    const uint16_t v = uint16_t(count++);
+                } else if (f == Fill::Ramp) {  // the ramp starts at the seed
+                    const uint16_t v = uint16_t(seed + unsigned(count++));
                     std::memcpy(q, &v, size_t(S));
                 }
             }
@@ -289,32 +264,13 @@ TEST_P(GammaOp, EveryIntegerInput) {
     const int values = op.ty == Ty::U8 ? 256 : 65536;
     const int spp = samplesPerPixel(op.lay);
     const int perPixel = op.lay == Lay::AC4 ? 4 : spp;  // ramp counts every sample, kept ones included
-    for (int extra : {0, 1, 2}) {
-        const int width = (values + perPixel - 1) / perPixel + extra;
-        const std::string e = runCase(op, width, 1, 0, extra, Guard::After, Fill::Ramp, 0, 1, 7);
-        ASSERT_TRUE(e.empty()) << op.name << ": " << e;
-    }
-    // AC4: shifted by one sample so that every value also lands in a colour channel
-    if (op.lay == Lay::AC4) {
-        for (int shift = 1; shift < 4; ++shift) {
-            const int width = values / 4 + 1;
-            Side d(1, width * 4 * sampleSize(op.ty), 1, 0, 0, Guard::After);
-            std::vector<int> in(size_t(width) * 4);
-            for (size_t i = 0; i < in.size(); ++i) in[i] = int((i + size_t(shift)) % size_t(values));
-            for (size_t i = 0; i < in.size(); ++i) {
-                const uint16_t v = uint16_t(in[i]);
-                std::memcpy(d.at(0, 0, int(i) * sampleSize(op.ty)), &v, size_t(sampleSize(op.ty)));
-            }
-            uint8_t* planes[1] = {d.origin[0]};
-            ASSERT_EQ(op.call(planes, d.step, planes, d.step, {width, 1}, 0, 1), kroStatusOk);
-            for (size_t i = 0; i < in.size(); ++i) {
-                uint16_t got = 0;
-                std::memcpy(&got, d.at(0, 0, int(i) * sampleSize(op.ty)), size_t(sampleSize(op.ty)));
-                const int want = i % 4 == 3 ? in[i] : table(op.forward, op.ty)[size_t(in[i])];
-                ASSERT_EQ(got, want) << op.name << " sample " << i << " input " << in[i];
-            }
+    // AC4: shifted by a sample at a time, so that every value lands in a colour channel too
+    for (unsigned shift = 0; shift < (op.lay == Lay::AC4 ? 4u : 1u); ++shift)
+        for (int extra : {0, 1, 2}) {
+            const int width = (values + perPixel - 1) / perPixel + extra;
+            const std::string e = runCase(op, width, 1, 0, extra, Guard::After, Fill::Ramp, 0, 1, shift);
+            ASSERT_TRUE(e.empty()) << op.name << " shift " << shift << ": " << e;
         }
-    }
 }
 
 // Edge values of the float forms in every lane position, bit for bit (NaN as NaN).
@@ -488,33 +444,20 @@ int one(Fn fn, int v) {
 }
 
 TEST(GammaExamples, Integer) {
-    auto f8 = kroiGammaFwd_8u_C3R;
-    EXPECT_EQ(one<Kro8u>(f8, 0), 0);
-    EXPECT_EQ(one<Kro8u>(f8, 1), 4);
-    EXPECT_EQ(one<Kro8u>(f8, 2), 9);
-    EXPECT_EQ(one<Kro8u>(f8, 3), 14);
-    EXPECT_EQ(one<Kro8u>(f8, 4), 18);
-    EXPECT_EQ(one<Kro8u>(f8, 254), 255);
-    EXPECT_EQ(one<Kro8u>(f8, 255), 255);
-    auto i8 = kroiGammaInv_8u_C3R;
-    for (int v : {0, 1, 2}) EXPECT_EQ(one<Kro8u>(i8, v), 0);
-    EXPECT_EQ(one<Kro8u>(i8, 3), 1);
-    EXPECT_EQ(one<Kro8u>(i8, 7), 2);
-    EXPECT_EQ(one<Kro8u>(i8, 254), 253);
-    EXPECT_EQ(one<Kro8u>(i8, 255), 255);
-    auto f16 = kroiGammaFwd_16u_C3R;
-    EXPECT_EQ(one<Kro16u>(f16, 1), 4);
-    EXPECT_EQ(one<Kro16u>(f16, 5), 22);
-    EXPECT_EQ(one<Kro16u>(f16, 9), 40);
-    EXPECT_EQ(one<Kro16u>(f16, 4082), 14164);
-    EXPECT_EQ(one<Kro16u>(f16, 7069), 19952);
-    EXPECT_EQ(one<Kro16u>(f16, 65535), 65535);
-    auto i16 = kroiGammaInv_16u_C3R;
-    EXPECT_EQ(one<Kro16u>(i16, 1), 0);
-    EXPECT_EQ(one<Kro16u>(i16, 2), 0);
-    EXPECT_EQ(one<Kro16u>(i16, 3), 1);
-    EXPECT_EQ(one<Kro16u>(i16, 12009), 3196);
-    EXPECT_EQ(one<Kro16u>(i16, 65535), 65535);
+    struct Ex {
+        bool fwd, u16;
+        int in, out;
+    };
+    const Ex ex[] = {{1, 0, 0, 0},      {1, 0, 1, 4},         {1, 0, 2, 9},         {1, 0, 3, 14},        {1, 0, 4, 18},
+                     {1, 0, 254, 255},  {1, 0, 255, 255},     {0, 0, 0, 0},         {0, 0, 1, 0},         {0, 0, 2, 0},
+                     {0, 0, 3, 1},      {0, 0, 7, 2},         {0, 0, 254, 253},     {0, 0, 255, 255},     {1, 1, 1, 4},
+                     {1, 1, 5, 22},     {1, 1, 9, 40},        {1, 1, 4082, 14164},  {1, 1, 7069, 19952},  {1, 1, 65535, 65535},
+                     {0, 1, 1, 0},      {0, 1, 2, 0},         {0, 1, 3, 1},         {0, 1, 12009, 3196},  {0, 1, 65535, 65535}};
+    for (const Ex& e : ex) {
+        const int got = e.u16 ? one<Kro16u>(e.fwd ? kroiGammaFwd_16u_C3R : kroiGammaInv_16u_C3R, e.in)
+                              : one<Kro8u>(e.fwd ? kroiGammaFwd_8u_C3R : kroiGammaInv_8u_C3R, e.in);
+        EXPECT_EQ(got, e.out) << (e.fwd ? "forward " : "inverse ") << (e.u16 ? "16u " : "8u ") << e.in;
+    }
 }
 
 float oneF(const Op& op, float x, float lo, float hi) {
