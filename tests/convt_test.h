@@ -139,6 +139,20 @@ inline void checkStatusesT(const TCase& c) {
     EXPECT_EQ(c.call(s, 0, d, -3, {w, 1}), kroStatusOk) << c.name;
 }
 
+// Steps are not checked: with steps of 0 every row converts the same source
+// row into the same destination row.
+inline void zeroStepT(const TCase& c) {
+    const int w = 5;
+    TImg src(w * c.srcS * c.srcCn, 1, 0, 0, Guard::After, 0, false);
+    TImg dst(w * c.dstS * c.dstCn, 1, 0, 0, Guard::After, 0, false);
+    c.fill(src.row(0), w * c.srcCn);
+    std::vector<uint8_t> want = dst.snapshot();
+    for (int x = 0; x < w; ++x)
+        c.ref(src.row(0) + x * c.srcS * c.srcCn, dst.rowIn(want, 0) + x * c.dstS * c.dstCn, c.path(x, w, dst.row(0)));
+    ASSERT_EQ(c.call(src.origin(), 0, dst.origin(), 0, {w, 7}), kroStatusOk) << c.name;
+    EXPECT_TRUE(dst.snapshot() == want) << c.name << ": steps of 0";
+}
+
 // ------------------------------------------------------------ sample fills
 inline uint32_t rnd() { return rng()(); }
 template <class T>
