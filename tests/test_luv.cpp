@@ -12,6 +12,7 @@
 #include <string>
 #include <vector>
 
+#include "convt_test.h"
 #include "harness.h"
 #include "ref_luv.h"
 
@@ -148,43 +149,25 @@ void randomPixel(const LuvOp& op, double (&s)[3]) {
     }
 }
 
-// ------------------------------------------------------------ whole-region runs
-struct RunSpec {
-    int w, h;
-    int srcPad = 0, dstPad = 0;  // bytes between rows
-    int offset = 0;              // pixels before the region's first pixel in every row
-    Guard g = Guard::After;
-    bool negStep = false;
-    int stepExtra = 0;  // added to both byte steps; dropped by the entry's shift
-};
-
-std::string runOnce(const LuvOp& op, const RunSpec& rs) {
-    const int e = sizeOf(op.ty), px = op.cn * e;
-    Plane src((rs.w + rs.offset) * px, rs.h, rs.srcPad, rs.g, rs.negStep);
-    Plane dst((rs.w + rs.offset) * px, rs.h, rs.dstPad, rs.g, rs.negStep);
-    for (int y = 0; y < rs.h; ++y)
-        for (int x = 0; x < rs.w; ++x) {
+// ------------------------------------------------------------ every operation through the shared driver
+// Blocks of four pixels; the step rounded down to whole samples where the entry shifts it.
+TCase luvCase(const LuvOp& o) {
+    RefFn ref = [&o](const uint8_t* s, uint8_t* d, Path p) {
+        double a[3];
+        getPixel(o, o.forward, s, 0, a);
+        const Out3 r = reference(o, p == Main, a, Rc::Machine, Rc::Machine);
+        const double b[3] = {r[0], r[1], r[2]};
+        putPixel(o, !o.forward, d, 0, b);
+    };
+    FillFn fill = [&o](uint8_t* p, int n) {
+        for (int x = 0; x < n / o.cn; ++x) {
             double s[3];
-            randomPixel(op, s);
-            putPixel(op, op.forward, src.row(y) + rs.offset * px, x, s);
+            randomPixel(o, s);
+            putPixel(o, o.forward, p, x, s);
         }
-    std::vector<uint8_t> expect = dst.snapshot();
-    for (int y = 0; y < rs.h; ++y)
-        for (int x = 0; x < rs.w; ++x) {
-            double s[3];
-            getPixel(op, op.forward, src.row(y) + rs.offset * px, x, s);
-            const bool mainPath = x < (rs.w & ~3);
-            const Out3 d = reference(op, mainPath, s, Rc::Machine, Rc::Machine);
-            const double dd[3] = {d[0], d[1], d[2]};
-            putPixel(op, !op.forward, dst.rowIn(expect, y) + rs.offset * px, x, dd);
-        }
-    const auto srcBefore = src.snapshot();
-    const int sx = rs.negStep ? -rs.stepExtra : rs.stepExtra;
-    const KroStatus st = op.call(src.origin() + rs.offset * px, src.step + sx, dst.origin() + rs.offset * px,
-                                 dst.step + sx, {rs.w, rs.h});
-    if (st != kroStatusOk) return "status " + std::to_string(st);
-    if (src.snapshot() != srcBefore) return "source changed";
-    return diffPlane(dst, expect, px);
+    };
+    const int e = sizeOf(o.ty);
+    return {o.name, e, o.cn, e, o.cn, o.stepShift, 4, ref, blockPath(4), fill, o.call};
 }
 
 class LuvOpTest : public ::testing::TestWithParam<int> {
@@ -192,75 +175,9 @@ protected:
     const LuvOp& op() const { return luvOps()[size_t(GetParam())]; }
 };
 
-// Every width through three blocks and beyond, odd heights, tight and padded
-// rows against either guard, start offsets, negative steps, and steps that
-// the entry rounds down to whole samples.
-TEST_P(LuvOpTest, MatchesReferenceAtEveryWidthAndStep) {
-    const LuvOp& o = op();
-    const int e = sizeOf(o.ty);
-    const int padUnit = o.stepShift ? e : 1;  // byte-step forms take any padding
-    for (int w : sweepWidths(4)) {
-        for (int h : {1, 3}) {
-            RunSpec a{w, h};
-            ASSERT_EQ(runOnce(o, a), "") << o.name << " w " << w << " h " << h;
-            RunSpec b{w, h, padUnit * (5 + w % 7), padUnit * (3 + w % 5), 0, Guard::Before};
-            ASSERT_EQ(runOnce(o, b), "") << o.name << " w " << w << " h " << h << " padded";
-        }
-    }
-    for (int off = 1; off < 5; ++off) {
-        RunSpec r{13, 3, padUnit * 2, padUnit * 6, off};
-        ASSERT_EQ(runOnce(o, r), "") << o.name << " offset " << off;
-    }
-    RunSpec n{23, 5, padUnit * 6, padUnit * 9, 0, Guard::After, true};
-    ASSERT_EQ(runOnce(o, n), "") << o.name << " negative steps";
-    if (o.stepShift) {
-        RunSpec r{11, 4, 4 * e, 8 * e, 0, Guard::After, false, (1 << o.stepShift) - 1};
-        ASSERT_EQ(runOnce(o, r), "") << o.name << " step rounded down to samples";
-    } else {
-        for (int pad = 1; pad < 16; ++pad) {
-            RunSpec r{13, 3, pad, 16 - pad};
-            ASSERT_EQ(runOnce(o, r), "") << o.name << " pad " << pad;
-        }
-    }
-}
-
-// Null addresses (-8) before the size (-6); a failing call writes nothing.
-TEST_P(LuvOpTest, ChecksInOrderAndWritesNothingOnFailure) {
-    const LuvOp& o = op();
-    const int w = 9, h = 2, px = o.cn * sizeOf(o.ty);
-    Plane src(w * px, h, 0, Guard::After);
-    Plane dst(w * px, h, 0, Guard::After);
-    const auto before = dst.snapshot();
-    EXPECT_EQ(o.call(nullptr, src.step, dst.origin(), dst.step, {w, h}), kroStatusNullPointer);
-    EXPECT_EQ(o.call(src.origin(), src.step, nullptr, dst.step, {w, h}), kroStatusNullPointer);
-    EXPECT_EQ(o.call(nullptr, src.step, nullptr, dst.step, {0, 0}), kroStatusNullPointer);
-    EXPECT_EQ(o.call(src.origin(), src.step, nullptr, dst.step, {w, -1}), kroStatusNullPointer);
-    for (kroiSize bad : {kroiSize{0, h}, kroiSize{w, 0}, kroiSize{-1, h}, kroiSize{w, -5}, kroiSize{INT32_MIN, 1},
-                         kroiSize{1, INT32_MIN}})
-        EXPECT_EQ(o.call(src.origin(), src.step, dst.origin(), dst.step, bad), kroStatusBadSize) << o.name;
-    EXPECT_EQ(dst.snapshot(), before) << o.name << ": a failing call wrote";
-}
-
-// Steps are not checked: a step of 0 converts every row in the same place.
-TEST_P(LuvOpTest, ZeroStepIsAccepted) {
-    const LuvOp& o = op();
-    const int px = o.cn * sizeOf(o.ty);
-    Plane src(6 * px, 1, 0, Guard::After);
-    Plane dst(6 * px, 1, 0, Guard::After);
-    for (int x = 0; x < 6; ++x) {
-        double s[3];
-        randomPixel(o, s);
-        putPixel(o, o.forward, src.row(0), x, s);
-    }
-    EXPECT_EQ(o.call(src.origin(), 0, dst.origin(), 0, {6, 7}), kroStatusOk);
-    for (int x = 0; x < 6; ++x) {
-        double s[3], got[3];
-        getPixel(o, o.forward, src.row(0), x, s);
-        getPixel(o, !o.forward, dst.row(0), x, got);
-        const Out3 d = reference(o, x < 4, s, Rc::Machine, Rc::Machine);
-        for (int k = 0; k < 3; ++k) EXPECT_EQ(got[k], d[size_t(k)]) << o.name << " pixel " << x;
-    }
-}
+TEST_P(LuvOpTest, MatchesReferenceAtEveryWidthAndStep) { sweepT(luvCase(op())); }
+TEST_P(LuvOpTest, ChecksInOrderAndWritesNothingOnFailure) { checkStatusesT(luvCase(op())); }
+TEST_P(LuvOpTest, ZeroStepIsAccepted) { zeroStepT(luvCase(op())); }
 
 // Results that go through a reciprocal estimate lie within what the least and
 // greatest admissible reciprocals give (forward: u and v are monotone in the
@@ -448,29 +365,6 @@ TEST(LuvValues, ZeroLightnessIsBlackInIntegerTails) {
         for (double u : {lo, hi, (lo + hi) / 2})
             for (double v : {lo, hi})
                 expect3(convert(o, zero, u, v).tail, zero, zero, zero, o.name);
-    }
-}
-
-// Regions narrower than four pixels use the tail rules throughout.
-TEST(LuvValues, NarrowRegionsUseTailRules) {
-    for (const auto& o : luvOps()) {
-        const int px = o.cn * sizeOf(o.ty);
-        for (int w = 1; w < 4; ++w) {
-            Plane src(w * px, 2, 0, Guard::After);
-            Plane dst(w * px, 2, 0, Guard::After);
-            double s[3];
-            for (int y = 0; y < 2; ++y)
-                for (int x = 0; x < w; ++x) randomPixel(o, s), putPixel(o, o.forward, src.row(y), x, s);
-            ASSERT_EQ(o.call(src.origin(), src.step, dst.origin(), dst.step, {w, 2}), kroStatusOk);
-            for (int y = 0; y < 2; ++y)
-                for (int x = 0; x < w; ++x) {
-                    double got[3];
-                    getPixel(o, o.forward, src.row(y), x, s);
-                    getPixel(o, !o.forward, dst.row(y), x, got);
-                    const Out3 d = reference(o, false, s, Rc::Machine, Rc::Machine);
-                    for (int k = 0; k < 3; ++k) EXPECT_EQ(got[k], d[size_t(k)]) << o.name;
-                }
-        }
     }
 }
 
