@@ -208,25 +208,4 @@ TEST(PhotoYccValues, Float32WhiteAndClamp) {
     }
 }
 
-TEST(PhotoYccValues, FourthSampleKeptInEveryTypeAndPath) {
-    for (int width : {1, 3, 4, 7, 8, 9}) {
-        std::vector<Kro16u> s16(size_t(width) * 4, 30000), d16(size_t(width) * 4, 0xbeef);
-        std::vector<Kro32f> s32(size_t(width) * 4, 0.5f), d32(size_t(width) * 4, -9.0f);
-        for (auto f : {kroiRGBToYCC_16u_AC4R, kroiYCCToRGB_16u_AC4R}) {
-            ASSERT_EQ(f(s16.data(), width * 8, d16.data(), width * 8, {width, 1}), kroStatusOk);
-            for (int i = 0; i < width; ++i) EXPECT_EQ(d16[size_t(i) * 4 + 3], 0xbeef);
-        }
-        for (auto f : {kroiRGBToYCC_16s_AC4R, kroiYCCToRGB_16s_AC4R}) {
-            ASSERT_EQ(f(reinterpret_cast<const Kro16s*>(s16.data()), width * 8, reinterpret_cast<Kro16s*>(d16.data()),
-                        width * 8, {width, 1}),
-                      kroStatusOk);
-            for (int i = 0; i < width; ++i) EXPECT_EQ(d16[size_t(i) * 4 + 3], 0xbeef);
-        }
-        for (auto f : {kroiRGBToYCC_32f_AC4R, kroiYCCToRGB_32f_AC4R}) {
-            ASSERT_EQ(f(s32.data(), width * 16, d32.data(), width * 16, {width, 1}), kroStatusOk);
-            for (int i = 0; i < width; ++i) EXPECT_EQ(d32[size_t(i) * 4 + 3], -9.0f);
-        }
-    }
-}
-
 }  // namespace
