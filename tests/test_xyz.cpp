@@ -185,29 +185,4 @@ TEST(XyzValues, NaNLimitsToZeroAndPassesUnlimited) {
     }
 }
 
-TEST(XyzValues, FourthSampleKeptAndNeverRead) {
-    for (int width : {4, 8, 1, 3}) {
-        std::vector<Kro32f> src(size_t(width) * 4, 0.25f), dst(size_t(width) * 4, -7.0f);
-        for (int i = 0; i < width; ++i) src[size_t(i) * 4 + 3] = NAN;
-        ASSERT_EQ(kroiRGBToXYZ_32f_AC4R(src.data(), width * 16, dst.data(), width * 16, {width, 1}), kroStatusOk);
-        for (int i = 0; i < width; ++i) {
-            EXPECT_FALSE(std::isnan(dst[size_t(i) * 4]));
-            EXPECT_EQ(dst[size_t(i) * 4 + 3], -7.0f);
-        }
-        std::vector<Kro8u> s8(size_t(width) * 4, 100), d8(size_t(width) * 4, 0xee);
-        ASSERT_EQ(kroiXYZToRGB_8u_AC4R(s8.data(), width * 4, d8.data(), width * 4, {width, 1}), kroStatusOk);
-        for (int i = 0; i < width; ++i) EXPECT_EQ(d8[size_t(i) * 4 + 3], 0xee);
-    }
-}
-
-TEST(XyzValues, OddByteStepRoundsDownToSamples) {
-    // 16u rows 2 pixels wide: a byte step of 13 is 6 samples, so row 1 starts at sample 6
-    Kro16u src[12], dst[12] = {};
-    for (int i = 0; i < 12; ++i) src[i] = Kro16u(1000 * (i + 1));
-    ASSERT_EQ(kroiRGBToXYZ_16u_C3R(src, 13, dst, 13, {2, 2}), kroStatusOk);
-    Kro16u once[6];
-    ASSERT_EQ(kroiRGBToXYZ_16u_C3R(src + 6, 12, once, 12, {2, 1}), kroStatusOk);
-    for (int i = 0; i < 6; ++i) EXPECT_EQ(dst[6 + i], once[i]);
-}
-
 }  // namespace
