@@ -131,25 +131,6 @@ TEST(CFAToRGB, EqualGradientsTakeFourWayAverage) {
     EXPECT_NE(d[1], (l + r + 1) / 2);
 }
 
-// Width 100 at x = 90 on an image 95 wide writes 5 pixels a row.
-TEST(CFAToRGB, RegionCutAtRightEdge) {
-    Src<Kro8u> src(95, 6, 3, 3, Guard::After);
-    ASSERT_EQ(check(src, {90, 1, 100, 4}, 100, 4, 0, Guard::After), "");
-}
-
-TEST(CFAToRGB, RegionOfInnerPixelsEqualsWholeImageCut) {
-    Src<Kro8u> src(40, 20, 2, 0, Guard::After);
-    std::vector<Kro8u> whole(40 * 20 * 3), part(13 * 7 * 3);
-    ASSERT_EQ(kroiCFAToRGB_8u_C1C3R(src.ptr(), {0, 0, 40, 20}, {40, 20}, src.plane.step, whole.data(), 120,
-                                    kroiBayerGBRG, 0),
-              kroStatusOk);
-    ASSERT_EQ(kroiCFAToRGB_8u_C1C3R(src.ptr(), {5, 6, 13, 7}, {40, 20}, src.plane.step, part.data(), 39,
-                                    kroiBayerGBRG, 0),
-              kroStatusOk);
-    for (int y = 0; y < 7; ++y)
-        for (int i = 0; i < 39; ++i) ASSERT_EQ(part[y * 39 + i], whole[(y + 6) * 120 + 15 + i]);
-}
-
 TEST(CFAToRGB, EmptyRegionWritesNothing) {
     const Kro8u s[16] = {};
     Kro8u d[8];
@@ -206,10 +187,6 @@ TEST(CFAToRGB, Photograph) {
         RecordProperty("psnr_grid" + std::to_string(grid), std::to_string(db));
     }
 }
-
-}  // namespace
-
-namespace {
 
 // A region starting left of or above the image is cut there too; the pixel of
 // (x, y) stays at (y - srcRoi.y) rows and (x - srcRoi.x) pixels from pDst.
