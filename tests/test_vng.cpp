@@ -178,12 +178,6 @@ TEST(CFAToBGRA_VNG, FrameAtRegionEnds) {
         }
 }
 
-// Width 100 at x = 90 in an image 95 wide: 5 pixels a row.
-TEST(CFAToBGRA_VNG, RegionCutAtRightEdge) {
-    Src<Kro16u> src(95, 7, 0, 0, Guard::After);
-    ASSERT_EQ(check(src, {90, 0, 100, 7}, nullptr, 100, 7, 0, Guard::After), "");
-}
-
 // A region wholly inside the frame: each pixel takes the value of its nearest
 // inner pixel; nothing outside the region is written.
 TEST(CFAToBGRA_VNG, RegionWhollyInFrame) {
