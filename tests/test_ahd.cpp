@@ -322,14 +322,6 @@ TEST(DemosaicAHD, WorkedExample) {
         for (int k = 0; k < 3; ++k) EXPECT_EQ(d[0][x][k], corner[x][k]) << x << " " << k;
 }
 
-// Width 100 at x = 90 in an image 95 wide writes 5 pixels a row; a negative
-// x counts as 0 with the width kept.
-TEST(DemosaicAHD, RegionCutAndShifted) {
-    Src<Kro16u> src(95, 9, 2, 0, Guard::After);
-    ASSERT_EQ(check(src, {90, 0, 100, 9}, 0, Guard::After, 0, Guard::After), "");
-    ASSERT_EQ(check(src, {-7, -2, 20, 6}, 1, Guard::After, 0, Guard::Before), "");
-}
-
 TEST(DemosaicAHD, EmptyRegionWritesNothing) {
     Src<Kro8u> src(8, 8, 0, 0, Guard::After);
     Kro8u d[64];
