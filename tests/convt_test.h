@@ -153,6 +153,41 @@ inline void zeroStepT(const TCase& c) {
     EXPECT_TRUE(dst.snapshot() == want) << c.name << ": steps of 0";
 }
 
+// All 2^24 triples of an 8-bit interleaved source (a scattered `sampled` of
+// them under sanitizers) through the main path (rows of 4096) and through the
+// tail (rows of tailWidth). A fourth source sample is filled too; a fourth
+// destination sample starts as 0x5a. ok(source pixel, result pixel, path)
+// judges each pixel; the first failures are reported.
+using Call8 = std::function<KroStatus(const Kro8u*, int, Kro8u*, int, kroiSize)>;
+inline void exhaustive8(const std::string& label, int srcCn, int dstCn, int tailWidth, int64_t sampled,
+                        const Call8& f, const std::function<bool(const Kro8u*, const Kro8u*, Path)>& ok) {
+    for (bool mainPath : {true, false}) {
+        const int width = mainPath ? 4096 : tailWidth;
+        const int64_t total = KROCC_FULL_SWEEPS ? (int64_t(1) << 24) : sampled;
+        const int height = int((total + width - 1) / width);
+        const size_t n = size_t(width) * size_t(height);
+        std::vector<Kro8u> src(n * size_t(srcCn)), dst(n * size_t(dstCn), 0x5a);
+        for (size_t i = 0; i < n; ++i) {
+            const uint32_t t = KROCC_FULL_SWEEPS ? uint32_t(i) : uint32_t(i * 2654435761u);
+            Kro8u* s = &src[i * size_t(srcCn)];
+            s[0] = Kro8u(t >> 16), s[1] = Kro8u(t >> 8), s[2] = Kro8u(t);
+            if (srcCn == 4) s[3] = Kro8u(t ^ 0x33);
+        }
+        ASSERT_EQ(f(src.data(), width * srcCn, dst.data(), width * dstCn, {width, height}), kroStatusOk) << label;
+        int64_t bad = 0;
+        for (size_t i = 0; i < n; ++i) {
+            const Kro8u* s = &src[i * size_t(srcCn)];
+            const Kro8u* d = &dst[i * size_t(dstCn)];
+            if (!ok(s, d, mainPath ? Main : Tail) && bad++ < 3)
+                ADD_FAILURE() << label << (mainPath ? " main" : " tail") << " (" << int(s[0]) << "," << int(s[1])
+                              << "," << int(s[2]) << ") -> (" << int(d[0]) << (dstCn > 1 ? "," : "")
+                              << (dstCn > 1 ? std::to_string(d[1]) + "," + std::to_string(d[2]) : std::string())
+                              << ")";
+        }
+        EXPECT_EQ(bad, 0) << label;
+    }
+}
+
 // ------------------------------------------------------------ sample fills
 inline uint32_t rnd() { return rng()(); }
 template <class T>

@@ -239,32 +239,14 @@ void sweep8(const char* label, const Kro32f* pc, bool ac4) {
     const uint16_t c[3] = {pc ? ref::grayWeight8(pc[0]) : ref::kGrayFixed8[0],
                            pc ? ref::grayWeight8(pc[1]) : ref::kGrayFixed8[1],
                            pc ? ref::grayWeight8(pc[2]) : ref::kGrayFixed8[2]};
-    const int cn = ac4 ? 4 : 3;
-    for (bool mainPath : {true, false}) {
-        const int width = mainPath ? 4096 : 7;
-        const int64_t total = KROCC_FULL_SWEEPS ? (int64_t(1) << 24) : (int64_t(1) << 17);
-        const int height = int((total + width - 1) / width);
-        std::vector<Kro8u> src(size_t(width) * height * cn), dst(size_t(width) * height);
-        for (int64_t i = 0; i < int64_t(width) * height; ++i) {
-            const uint32_t t = KROCC_FULL_SWEEPS ? uint32_t(i) : uint32_t(i * 2654435761u);
-            src[size_t(i) * cn + 0] = Kro8u(t >> 16);
-            src[size_t(i) * cn + 1] = Kro8u(t >> 8);
-            src[size_t(i) * cn + 2] = Kro8u(t);
-            if (ac4) src[size_t(i) * cn + 3] = Kro8u(t * 7);
-        }
-        const KroStatus st = ac4 ? kroiColorToGray_8u_AC4C1R(src.data(), width * cn, dst.data(), width, {width, height}, pc)
-                                 : kroiColorToGray_8u_C3C1R(src.data(), width * cn, dst.data(), width, {width, height}, pc);
-        ASSERT_EQ(st, kroStatusOk);
-        int64_t bad = 0;
-        for (int64_t i = 0; i < int64_t(width) * height; ++i) {
-            const int R = src[size_t(i) * cn], G = src[size_t(i) * cn + 1], B = src[size_t(i) * cn + 2];
-            const int want = mainPath ? ref::gray8Main(c, R, G, B) : ref::gray8Tail(c, R, G, B);
-            if (dst[size_t(i)] != want && bad++ < 3)
-                ADD_FAILURE() << label << (mainPath ? " main" : " tail") << " (" << R << "," << G << "," << B
-                              << ") -> " << int(dst[size_t(i)]) << " want " << want;
-        }
-        EXPECT_EQ(bad, 0) << label;
-    }
+    exhaustive8(
+        label, ac4 ? 4 : 3, 1, 7, int64_t(1) << 17,
+        [&](const Kro8u* s, int ss, Kro8u* d, int ds, kroiSize r) {
+            return ac4 ? kroiColorToGray_8u_AC4C1R(s, ss, d, ds, r, pc) : kroiColorToGray_8u_C3C1R(s, ss, d, ds, r, pc);
+        },
+        [&](const Kro8u* s, const Kro8u* d, Path p) {
+            return d[0] == (p == Main ? ref::gray8Main(c, s[0], s[1], s[2]) : ref::gray8Tail(c, s[0], s[1], s[2]));
+        });
 }
 
 TEST(GrayExhaustive, FixedWeights8u) { sweep8("fixed", nullptr, false); }

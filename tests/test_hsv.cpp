@@ -77,39 +77,20 @@ INSTANTIATE_TEST_SUITE_P(All, HsvOp, ::testing::Range(0, int(hsvCases().size()))
 void sweep8(bool fwd, int cn) {
     auto f = fwd ? (cn == 3 ? kroiRGBToHSV_8u_C3R : kroiRGBToHSV_8u_AC4R)
                  : (cn == 3 ? kroiHSVToRGB_8u_C3R : kroiHSVToRGB_8u_AC4R);
-    for (bool mainPath : {true, false}) {
-        const int width = mainPath ? 4096 : 3;
-        const int64_t total = KROCC_FULL_SWEEPS ? (int64_t(1) << 24) : (int64_t(1) << 16);
-        const int height = int((total + width - 1) / width);
-        const size_t n = size_t(width) * size_t(height);
-        std::vector<Kro8u> src(n * size_t(cn)), dst(n * size_t(cn), 0x5a);
-        for (size_t i = 0; i < n; ++i) {
-            const uint32_t t = KROCC_FULL_SWEEPS ? uint32_t(i) : uint32_t(i * 2654435761u);
-            src[i * size_t(cn)] = Kro8u(t >> 16), src[i * size_t(cn) + 1] = Kro8u(t >> 8);
-            src[i * size_t(cn) + 2] = Kro8u(t);
-            if (cn == 4) src[i * 4 + 3] = Kro8u(t ^ 0x33);
-        }
-        ASSERT_EQ(f(src.data(), width * cn, dst.data(), width * cn, {width, height}), kroStatusOk);
-        const Dir dir = fwd ? Dir::Fwd8 : Dir::Inv8;
-        const Path p = mainPath ? Main : Tail;
-        int64_t bad = 0;
-        for (size_t i = 0; i < n; ++i) {
-            const Kro8u* s = &src[i * size_t(cn)];
-            const Kro8u* d = &dst[i * size_t(cn)];
-            const Px e = refPixel(dir, s[0], s[1], s[2], p);
-            bool ok = d[0] == e[0] && d[1] == e[1] && d[2] == e[2] && (cn == 3 || d[3] == 0x5a);
-            if (ok && fwd && (KROCC_FULL_SWEEPS == 0 || (i & 7) == 0)) {
-                const Px lo = refPixel(dir, s[0], s[1], s[2], p, Rc::Lo), hi = refPixel(dir, s[0], s[1], s[2], p, Rc::Hi);
-                for (int k = 0; k < 2; ++k)
-                    ok = ok && d[k] >= std::min(lo[size_t(k)], hi[size_t(k)]) && d[k] <= std::max(lo[size_t(k)], hi[size_t(k)]);
-            }
-            if (!ok && bad++ < 3)
-                ADD_FAILURE() << (fwd ? "forward" : "inverse") << (mainPath ? " main" : " tail") << " (" << int(s[0])
-                              << "," << int(s[1]) << "," << int(s[2]) << ") -> (" << int(d[0]) << "," << int(d[1])
-                              << "," << int(d[2]) << ") want (" << e[0] << "," << e[1] << "," << e[2] << ")";
-        }
-        EXPECT_EQ(bad, 0);
-    }
+    const Dir dir = fwd ? Dir::Fwd8 : Dir::Inv8;
+    int64_t i = 0;
+    exhaustive8(fwd ? "forward" : "inverse", cn, cn, 3, int64_t(1) << 16, f,
+                [&](const Kro8u* s, const Kro8u* d, Path p) {
+                    const Px e = refPixel(dir, s[0], s[1], s[2], p);
+                    bool ok = d[0] == e[0] && d[1] == e[1] && d[2] == e[2] && (cn == 3 || d[3] == 0x5a);
+                    if (ok && fwd && (KROCC_FULL_SWEEPS == 0 || (i++ & 7) == 0)) {
+                        const Px lo = refPixel(dir, s[0], s[1], s[2], p, Rc::Lo);
+                        const Px hi = refPixel(dir, s[0], s[1], s[2], p, Rc::Hi);
+                        for (size_t k = 0; k < 2; ++k)
+                            ok = ok && d[k] >= std::min(lo[k], hi[k]) && d[k] <= std::max(lo[k], hi[k]);
+                    }
+                    return ok;
+                });
 }
 
 TEST(HsvExhaustive, Forward8uC3) { sweep8(true, 3); }

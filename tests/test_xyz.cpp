@@ -91,32 +91,13 @@ INSTANTIATE_TEST_SUITE_P(All, XyzOp, ::testing::Range(0, int(xyzCases().size()))
 void sweep8(bool toXyz, int cn) {
     auto f = toXyz ? (cn == 3 ? kroiRGBToXYZ_8u_C3R : kroiRGBToXYZ_8u_AC4R)
                    : (cn == 3 ? kroiXYZToRGB_8u_C3R : kroiXYZToRGB_8u_AC4R);
-    for (bool mainPath : {true, false}) {
-        const int width = mainPath ? 4096 : (cn == 3 ? 7 : 3);
-        const int64_t total = KROCC_FULL_SWEEPS ? (int64_t(1) << 24) : (int64_t(1) << 17);
-        const int height = int((total + width - 1) / width);
-        const size_t n = size_t(width) * size_t(height);
-        std::vector<Kro8u> src(n * size_t(cn)), dst(n * size_t(cn), 0x5a);
-        for (size_t i = 0; i < n; ++i) {
-            const uint32_t t = KROCC_FULL_SWEEPS ? uint32_t(i) : uint32_t(i * 2654435761u);
-            src[i * size_t(cn)] = Kro8u(t >> 16), src[i * size_t(cn) + 1] = Kro8u(t >> 8), src[i * size_t(cn) + 2] = Kro8u(t);
-            if (cn == 4) src[i * 4 + 3] = Kro8u(t ^ 0x33);
-        }
-        ASSERT_EQ(f(src.data(), width * cn, dst.data(), width * cn, {width, height}), kroStatusOk);
-        int64_t bad = 0;
-        for (size_t i = 0; i < n; ++i) {
-            const Kro8u* s = &src[i * size_t(cn)];
-            const Kro8u* d = &dst[i * size_t(cn)];
-            const ref::Tri e = toXyz ? (mainPath ? ref::xyz8Main(s[0], s[1], s[2]) : ref::xyz8Tail(s[0], s[1], s[2]))
-                                     : (mainPath ? ref::rgb8Main(s[0], s[1], s[2]) : ref::rgb8Tail(s[0], s[1], s[2]));
-            const bool ok = d[0] == e[0] && d[1] == e[1] && d[2] == e[2] && (cn == 3 || d[3] == 0x5a);
-            if (!ok && bad++ < 3)
-                ADD_FAILURE() << (toXyz ? "to XYZ" : "to RGB") << (mainPath ? " main" : " tail") << " (" << int(s[0])
-                              << "," << int(s[1]) << "," << int(s[2]) << ") -> (" << int(d[0]) << "," << int(d[1])
-                              << "," << int(d[2]) << ") want (" << e[0] << "," << e[1] << "," << e[2] << ")";
-        }
-        EXPECT_EQ(bad, 0);
-    }
+    exhaustive8(toXyz ? "to XYZ" : "to RGB", cn, cn, cn == 3 ? 7 : 3, int64_t(1) << 17, f,
+                [&](const Kro8u* s, const Kro8u* d, Path p) {
+                    const bool m = p == Main;
+                    const ref::Tri e = toXyz ? (m ? ref::xyz8Main(s[0], s[1], s[2]) : ref::xyz8Tail(s[0], s[1], s[2]))
+                                             : (m ? ref::rgb8Main(s[0], s[1], s[2]) : ref::rgb8Tail(s[0], s[1], s[2]));
+                    return d[0] == e[0] && d[1] == e[1] && d[2] == e[2] && (cn == 3 || d[3] == 0x5a);
+                });
 }
 
 TEST(XyzExhaustive, ToXyz8uC3) { sweep8(true, 3); }
