@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cmath>
 #include <cstring>
 #include <functional>
@@ -186,6 +187,16 @@ inline void exhaustive8(const std::string& label, int srcCn, int dstCn, int tail
         }
         EXPECT_EQ(bad, 0) << label;
     }
+}
+
+// One pixel (a, b, c) repeated over `width` columns of a three-sample
+// operation, steps of 0; pixel x of the result.
+template <class T>
+std::array<T, 3> at3(KroStatus (*f)(const T*, int, T*, int, kroiSize), int x, int width, T a, T b, T c) {
+    std::vector<T> src(size_t(width) * 3), dst(size_t(width) * 3);
+    for (int i = 0; i < width; ++i) src[size_t(i) * 3] = a, src[size_t(i) * 3 + 1] = b, src[size_t(i) * 3 + 2] = c;
+    EXPECT_EQ(f(src.data(), 0, dst.data(), 0, {width, 1}), kroStatusOk);
+    return {dst[size_t(x) * 3], dst[size_t(x) * 3 + 1], dst[size_t(x) * 3 + 2]};
 }
 
 // ------------------------------------------------------------ sample fills

@@ -111,32 +111,25 @@ TEST(HsvEstimate, WithinBoundForEveryArgument) {
 }
 
 // ------------------------------------------------------------ known values
-template <class T>
-std::array<T, 3> at(KroStatus (*f)(const T*, int, T*, int, kroiSize), int x, int width, T a, T b, T c) {
-    std::vector<T> src(size_t(width) * 3), dst(size_t(width) * 3);
-    for (int i = 0; i < width; ++i) src[size_t(i) * 3] = a, src[size_t(i) * 3 + 1] = b, src[size_t(i) * 3 + 2] = c;
-    EXPECT_EQ(f(src.data(), 0, dst.data(), 0, {width, 1}), kroStatusOk);
-    return {dst[size_t(x) * 3], dst[size_t(x) * 3 + 1], dst[size_t(x) * 3 + 2]};
-}
 using A8 = std::array<Kro8u, 3>;
 using A16 = std::array<Kro16u, 3>;
 
 TEST(HsvValues, GreyGivesZeroHueAndSaturationOnEveryPath) {
     for (int g : {0, 1, 77, 128, 255})
-        for (int x : {0, 4}) EXPECT_EQ(at<Kro8u>(kroiRGBToHSV_8u_C3R, x, 5, g, g, g), (A8{0, 0, Kro8u(g)}));
+        for (int x : {0, 4}) EXPECT_EQ(at3<Kro8u>(kroiRGBToHSV_8u_C3R, x, 5, g, g, g), (A8{0, 0, Kro8u(g)}));
     for (int g : {0, 1, 30000, 65535})
         for (int x : {0, 4})
-            EXPECT_EQ(at<Kro16u>(kroiRGBToHSV_16u_C3R, x, 5, g, g, g), (A16{0, 0, Kro16u(g)}));
+            EXPECT_EQ(at3<Kro16u>(kroiRGBToHSV_16u_C3R, x, 5, g, g, g), (A16{0, 0, Kro16u(g)}));
 }
 
 TEST(HsvValues, TopHueCodeIsHueZero) {
     for (int x : {0, 4}) {
         for (int s : {1, 100, 255})
             for (int v : {1, 90, 255})
-                EXPECT_EQ(at<Kro8u>(kroiHSVToRGB_8u_C3R, x, 5, 255, s, v), at<Kro8u>(kroiHSVToRGB_8u_C3R, x, 5, 0, s, v));
+                EXPECT_EQ(at3<Kro8u>(kroiHSVToRGB_8u_C3R, x, 5, 255, s, v), at3<Kro8u>(kroiHSVToRGB_8u_C3R, x, 5, 0, s, v));
         for (int s : {1, 40000, 65535})
-            EXPECT_EQ(at<Kro16u>(kroiHSVToRGB_16u_C3R, x, 5, 65535, s, 50000),
-                      at<Kro16u>(kroiHSVToRGB_16u_C3R, x, 5, 0, s, 50000));
+            EXPECT_EQ(at3<Kro16u>(kroiHSVToRGB_16u_C3R, x, 5, 65535, s, 50000),
+                      at3<Kro16u>(kroiHSVToRGB_16u_C3R, x, 5, 0, s, 50000));
     }
 }
 
@@ -144,9 +137,9 @@ TEST(HsvValues, ZeroSaturationReturnsValueUnrounded) {
     for (int x : {0, 4}) {
         for (int h = 0; h < 256; h += 5)
             for (int v = 0; v < 256; v += 3)
-                EXPECT_EQ(at<Kro8u>(kroiHSVToRGB_8u_C3R, x, 5, h, 0, v), (A8{Kro8u(v), Kro8u(v), Kro8u(v)}));
+                EXPECT_EQ(at3<Kro8u>(kroiHSVToRGB_8u_C3R, x, 5, h, 0, v), (A8{Kro8u(v), Kro8u(v), Kro8u(v)}));
         for (int v = 0; v < 65536; v += 257)
-            EXPECT_EQ(at<Kro16u>(kroiHSVToRGB_16u_C3R, x, 5, 12345, 0, v), (A16{Kro16u(v), Kro16u(v), Kro16u(v)}));
+            EXPECT_EQ(at3<Kro16u>(kroiHSVToRGB_16u_C3R, x, 5, 12345, 0, v), (A16{Kro16u(v), Kro16u(v), Kro16u(v)}));
     }
 }
 
@@ -159,12 +152,12 @@ TEST(HsvValues, Primaries8u) {
     } cases[] = {{{255, 0, 0}, 0}, {{0, 255, 0}, 85}, {{0, 0, 255}, 170}};
     for (const auto& c : cases)
         for (int x : {0, 4}) {
-            const A8 hsv = at<Kro8u>(kroiRGBToHSV_8u_C3R, x, 5, c.rgb[0], c.rgb[1], c.rgb[2]);
+            const A8 hsv = at3<Kro8u>(kroiRGBToHSV_8u_C3R, x, 5, c.rgb[0], c.rgb[1], c.rgb[2]);
             EXPECT_EQ(hsv, (A8{Kro8u(c.h), 255, 255})) << int(c.rgb[0]) << "," << int(c.rgb[1]) << "," << int(c.rgb[2]);
         }
     for (int x : {0, 4}) {
-        EXPECT_EQ(at<Kro8u>(kroiHSVToRGB_8u_C3R, x, 5, 0, 255, 255), (A8{255, 0, 0}));
-        EXPECT_EQ(at<Kro8u>(kroiHSVToRGB_8u_C3R, x, 5, 0, 255, 200), (A8{200, 0, 0}));
+        EXPECT_EQ(at3<Kro8u>(kroiHSVToRGB_8u_C3R, x, 5, 0, 255, 255), (A8{255, 0, 0}));
+        EXPECT_EQ(at3<Kro8u>(kroiHSVToRGB_8u_C3R, x, 5, 0, 255, 200), (A8{200, 0, 0}));
     }
 }
 
@@ -185,8 +178,8 @@ TEST(HsvValues, EveryHueOfSixteenBitInverse) {
 }
 
 TEST(HsvValues, Primaries16u) {
-    EXPECT_EQ(at<Kro16u>(kroiRGBToHSV_16u_C3R, 0, 1, 65535, 0, 0), (A16{0, 65535, 65535}));
-    EXPECT_EQ(at<Kro16u>(kroiRGBToHSV_16u_C3R, 0, 1, 0, 0, 65535), (A16{43690, 65535, 65535}));
+    EXPECT_EQ(at3<Kro16u>(kroiRGBToHSV_16u_C3R, 0, 1, 65535, 0, 0), (A16{0, 65535, 65535}));
+    EXPECT_EQ(at3<Kro16u>(kroiRGBToHSV_16u_C3R, 0, 1, 0, 0, 65535), (A16{43690, 65535, 65535}));
 }
 
 }  // namespace

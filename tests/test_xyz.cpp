@@ -106,49 +106,42 @@ TEST(XyzExhaustive, ToXyz8uAC4) { sweep8(true, 4); }
 TEST(XyzExhaustive, ToRgb8uAC4) { sweep8(false, 4); }
 
 // ------------------------------------------------------------ known values
-template <class T>
-std::array<T, 3> at(KroStatus (*f)(const T*, int, T*, int, kroiSize), int x, int width, T a, T b, T c) {
-    std::vector<T> src(size_t(width) * 3), dst(size_t(width) * 3);
-    for (int i = 0; i < width; ++i) src[size_t(i) * 3] = a, src[size_t(i) * 3 + 1] = b, src[size_t(i) * 3 + 2] = c;
-    EXPECT_EQ(f(src.data(), 0, dst.data(), 0, {width, 1}), kroStatusOk);
-    return {dst[size_t(x) * 3], dst[size_t(x) * 3 + 1], dst[size_t(x) * 3 + 2]};
-}
 using A8 = std::array<Kro8u, 3>;
 
 TEST(XyzValues, WhiteDependsOnColumn8u) {
-    EXPECT_EQ(at<Kro8u>(kroiRGBToXYZ_8u_C3R, 0, 9, 255, 255, 255), (A8{242, 255, 255}));
-    EXPECT_EQ(at<Kro8u>(kroiRGBToXYZ_8u_C3R, 8, 9, 255, 255, 255), (A8{242, 254, 255}));
+    EXPECT_EQ(at3<Kro8u>(kroiRGBToXYZ_8u_C3R, 0, 9, 255, 255, 255), (A8{242, 255, 255}));
+    EXPECT_EQ(at3<Kro8u>(kroiRGBToXYZ_8u_C3R, 8, 9, 255, 255, 255), (A8{242, 254, 255}));
 }
 
 TEST(XyzValues, PrimariesInBothPaths8u) {
     for (int x : {0, 8}) {
-        EXPECT_EQ(at<Kro8u>(kroiRGBToXYZ_8u_C3R, x, 9, 255, 0, 0), (A8{105, 54, 4}));
-        EXPECT_EQ(at<Kro8u>(kroiRGBToXYZ_8u_C3R, x, 9, 0, 0, 255), (A8{46, 18, 242}));
+        EXPECT_EQ(at3<Kro8u>(kroiRGBToXYZ_8u_C3R, x, 9, 255, 0, 0), (A8{105, 54, 4}));
+        EXPECT_EQ(at3<Kro8u>(kroiRGBToXYZ_8u_C3R, x, 9, 0, 0, 255), (A8{46, 18, 242}));
     }
 }
 
 TEST(XyzValues, Inverse8u) {
     for (int x : {0, 8}) {
-        EXPECT_EQ(at<Kro8u>(kroiXYZToRGB_8u_C3R, x, 9, 242, 255, 255), (A8{255, 254, 231}));
-        EXPECT_EQ(at<Kro8u>(kroiXYZToRGB_8u_C3R, x, 9, 255, 0, 0), (A8{255, 0, 14}));
+        EXPECT_EQ(at3<Kro8u>(kroiXYZToRGB_8u_C3R, x, 9, 242, 255, 255), (A8{255, 254, 231}));
+        EXPECT_EQ(at3<Kro8u>(kroiXYZToRGB_8u_C3R, x, 9, 255, 0, 0), (A8{255, 0, 14}));
     }
 }
 
 TEST(XyzValues, FullScale16) {
     for (int x : {0, 4}) {
-        EXPECT_EQ(at<Kro16u>(kroiRGBToXYZ_16u_C3R, x, 5, 65535, 65535, 65535),
+        EXPECT_EQ(at3<Kro16u>(kroiRGBToXYZ_16u_C3R, x, 5, 65535, 65535, 65535),
                   (std::array<Kro16u, 3>{62288, 65535, 65535}));
-        EXPECT_EQ(at<Kro16s>(kroiRGBToXYZ_16s_C3R, x, 5, 32767, 32767, 32767),
+        EXPECT_EQ(at3<Kro16s>(kroiRGBToXYZ_16s_C3R, x, 5, 32767, 32767, 32767),
                   (std::array<Kro16s, 3>{29520, 32767, 32767}));
-        EXPECT_EQ(at<Kro16u>(kroiXYZToRGB_16u_C3R, x, 5, 65535, 0, 0), (std::array<Kro16u, 3>{65535, 0, 3646}));
-        EXPECT_EQ(at<Kro16s>(kroiRGBToXYZ_16s_C3R, x, 5, -32768, -32768, -32768),
+        EXPECT_EQ(at3<Kro16u>(kroiXYZToRGB_16u_C3R, x, 5, 65535, 0, 0), (std::array<Kro16u, 3>{65535, 0, 3646}));
+        EXPECT_EQ(at3<Kro16s>(kroiRGBToXYZ_16s_C3R, x, 5, -32768, -32768, -32768),
                   (std::array<Kro16s, 3>{-32768, -32768, -32768}));
     }
 }
 
 TEST(XyzValues, WhiteFloatGivesZOne) {
     for (int x : {0, 4}) {
-        const auto o = at<Kro32f>(kroiRGBToXYZ_32f_C3R, x, 5, 1.0f, 1.0f, 1.0f);
+        const auto o = at3<Kro32f>(kroiRGBToXYZ_32f_C3R, x, 5, 1.0f, 1.0f, 1.0f);
         EXPECT_EQ(o[1], 1.0f);
         EXPECT_EQ(o[2], 1.0f);  // 1.088754 limited
         EXPECT_EQ(o[0], 0.950456023f);
@@ -158,10 +151,10 @@ TEST(XyzValues, WhiteFloatGivesZOne) {
 TEST(XyzValues, NaNLimitsToZeroAndPassesUnlimited) {
     const float qnan = bitsF(0x7fc0abcd);
     for (int x : {0, 4}) {
-        const auto o = at<Kro32f>(kroiRGBToXYZ_32f_C3R, x, 5, qnan, 0.5f, 0.5f);
+        const auto o = at3<Kro32f>(kroiRGBToXYZ_32f_C3R, x, 5, qnan, 0.5f, 0.5f);
         EXPECT_EQ(ref::bitsOf(o[0]), 0x7fc0abcdu);
         EXPECT_EQ(ref::bitsOf(o[2]), 0u);
-        const auto r = at<Kro32f>(kroiXYZToRGB_32f_C3R, x, 5, qnan, 0.5f, 0.5f);
+        const auto r = at3<Kro32f>(kroiXYZToRGB_32f_C3R, x, 5, qnan, 0.5f, 0.5f);
         for (float v : r) EXPECT_EQ(ref::bitsOf(v), 0u);
     }
 }

@@ -163,25 +163,17 @@ TEST(PhotoYccTypedSweep, EveryValueOfEachChannel16s) {
     channelSweep<Kro16s>(kroiYCCToRGB_16s_C3R, false);
 }
 
-template <class T>
-std::array<T, 3> yccAt(KroStatus (*f)(const T*, int, T*, int, kroiSize), int x, int width, T a, T b, T c) {
-    std::vector<T> src(size_t(width) * 3), dst(size_t(width) * 3);
-    for (int i = 0; i < width; ++i) src[size_t(i) * 3] = a, src[size_t(i) * 3 + 1] = b, src[size_t(i) * 3 + 2] = c;
-    EXPECT_EQ(f(src.data(), 0, dst.data(), 0, {width, 1}), kroStatusOk);
-    return {dst[size_t(x) * 3], dst[size_t(x) * 3 + 1], dst[size_t(x) * 3 + 2]};
-}
-
 TEST(PhotoYccValues, FullScale16uInBothPaths) {
     using A = std::array<Kro16u, 3>;
     for (int x : {0, 4}) {
-        EXPECT_EQ(yccAt<Kro16u>(kroiRGBToYCC_16u_C3R, x, 5, 65535, 65535, 65535), (A{46744, 40092, 35209}));
-        EXPECT_EQ(yccAt<Kro16u>(kroiYCCToRGB_16u_C3R, x, 5, 46744, 40092, 35209), (A{63497, 63497, 63497}));
+        EXPECT_EQ(at3<Kro16u>(kroiRGBToYCC_16u_C3R, x, 5, 65535, 65535, 65535), (A{46744, 40092, 35209}));
+        EXPECT_EQ(at3<Kro16u>(kroiYCCToRGB_16u_C3R, x, 5, 46744, 40092, 35209), (A{63497, 63497, 63497}));
     }
 }
 
 TEST(PhotoYccValues, Inverse16sFloorGivesMinimum) {
     for (int x : {0, 4})
-        EXPECT_EQ(yccAt<Kro16s>(kroiYCCToRGB_16s_C3R, x, 5, -32768, 7324, 2441),
+        EXPECT_EQ(at3<Kro16s>(kroiYCCToRGB_16s_C3R, x, 5, -32768, 7324, 2441),
                   (std::array<Kro16s, 3>{-32768, -32768, -32768}));
 }
 
@@ -189,8 +181,8 @@ TEST(PhotoYccValues, Inverse16sFloorGivesMinimum) {
 // where 16u changes to the direct matrix, so only the main path is compared).
 TEST(PhotoYccValues, Forward16sIsShifted16uInMainPath) {
     for (int v : {0, 1000, 30000, 65535}) {
-        const auto u = yccAt<Kro16u>(kroiRGBToYCC_16u_C3R, 0, 4, Kro16u(v), Kro16u(65535 - v), Kro16u(v / 3));
-        const auto s = yccAt<Kro16s>(kroiRGBToYCC_16s_C3R, 0, 4, Kro16s(v - 32768), Kro16s(32767 - v),
+        const auto u = at3<Kro16u>(kroiRGBToYCC_16u_C3R, 0, 4, Kro16u(v), Kro16u(65535 - v), Kro16u(v / 3));
+        const auto s = at3<Kro16s>(kroiRGBToYCC_16s_C3R, 0, 4, Kro16s(v - 32768), Kro16s(32767 - v),
                                      Kro16s(v / 3 - 32768));
         for (int k = 0; k < 3; ++k) EXPECT_EQ(int(s[size_t(k)]) + 32768, int(u[size_t(k)])) << v << " " << k;
     }
@@ -198,13 +190,13 @@ TEST(PhotoYccValues, Forward16sIsShifted16uInMainPath) {
 
 TEST(PhotoYccValues, Float32WhiteAndClamp) {
     for (int x : {0, 4}) {
-        const auto w = yccAt<Kro32f>(kroiRGBToYCC_32f_C3R, x, 5, 1.0f, 1.0f, 1.0f);
+        const auto w = at3<Kro32f>(kroiRGBToYCC_32f_C3R, x, 5, 1.0f, 1.0f, 1.0f);
         EXPECT_FLOAT_EQ(w[0], 0.7132668f);
         EXPECT_FLOAT_EQ(w[1], 0.6117647f);
         EXPECT_FLOAT_EQ(w[2], 0.5372549f);
         // far above white: every result limited to 1; far below: 0
-        for (float v : yccAt<Kro32f>(kroiYCCToRGB_32f_C3R, x, 5, 5.0f, 0.6117647f, 0.5372549f)) EXPECT_EQ(v, 1.0f);
-        for (float v : yccAt<Kro32f>(kroiYCCToRGB_32f_C3R, x, 5, -5.0f, 0.6117647f, 0.5372549f)) EXPECT_EQ(v, 0.0f);
+        for (float v : at3<Kro32f>(kroiYCCToRGB_32f_C3R, x, 5, 5.0f, 0.6117647f, 0.5372549f)) EXPECT_EQ(v, 1.0f);
+        for (float v : at3<Kro32f>(kroiYCCToRGB_32f_C3R, x, 5, -5.0f, 0.6117647f, 0.5372549f)) EXPECT_EQ(v, 0.0f);
     }
 }
 
