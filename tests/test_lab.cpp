@@ -240,15 +240,6 @@ TEST(Lab16Grid, EveryHighByteCombination) {
 }
 
 // ------------------------------------------------------------ the cube-root table
-TEST(LabTable, EqualsAnIndependentGeneration) {
-    const auto& t = kro::lab::kCubeTable;
-    const auto& r = rl::table();
-    for (int i = 0; i < 128; ++i) {
-        EXPECT_EQ(rl::bitsOf(t.seg[i].c), rl::bitsOf(r.c[i])) << "c " << i;
-        EXPECT_EQ(rl::bitsOf(t.seg[i].k), rl::bitsOf(r.k[i])) << "k " << i;
-    }
-}
-
 TEST(LabTable, SixStoredEntriesAreOneSixthDecimalFromTheRule) {
     const auto& r = rl::table();
     for (const auto& e : rl::kStored) {

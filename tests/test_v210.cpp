@@ -185,18 +185,6 @@ TEST(V210, CheckOrder) {
         }
 }
 
-TEST(V210, ColourConstantsBitPatterns) {
-    auto bits = [](float f) {
-        uint32_t u;
-        std::memcpy(&u, &f, 4);
-        return u;
-    };
-    EXPECT_EQ(bits(kro::v210::kRV), 0x3FC51EB8u);
-    EXPECT_EQ(bits(kro::v210::kBU), 0x3FE872B0u);
-    EXPECT_EQ(bits(kro::v210::kGU), 0xBE3B645Au);
-    EXPECT_EQ(bits(kro::v210::kGV), 0xBEEB020Cu);
-}
-
 // ------------------------------------------------------------ gamma-encoded CbYCr 4:2:2
 
 TEST(Gamma422, CurveTable) {
