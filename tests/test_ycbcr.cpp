@@ -128,11 +128,6 @@ void alignedAgainstGeneral(const Conv8& c) {
     }
 }
 
-TEST(YccAligned, PlanesToPlanesGiveTheSameBytesAtAnyAlignment) {
-    alignedAgainstGeneral(op("kroiRGBToYCbCr_8u_P3R"));
-    alignedAgainstGeneral(op("kroiYCbCrToRGB_8u_P3R"));
-}
-
 TEST(YccAligned, EveryOperationIgnoresAlignment) {
     for (const Conv8& c : yccOps()) alignedAgainstGeneral(c);
 }

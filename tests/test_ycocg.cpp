@@ -310,29 +310,6 @@ TEST_P(YCoCgOp, ChecksInOrderAndWritesNothing) {
 INSTANTIATE_TEST_SUITE_P(All, YCoCgOp, ::testing::Range(0, 26),
                          [](const ::testing::TestParamInfo<int>& i) { return std::string(ops()[i.param].name); });
 
-// A four-sample source: the fourth sample is never read and never changes a result.
-TEST(YCoCgFourSampleSource, FourthSampleHasNoInfluence) {
-    for (const Op& o : ops()) {
-        if (!o.forward || o.cn != 4) continue;
-        SCOPED_TRACE(o.name);
-        const int w = 29, h = 3;
-        Image src(o.srcTy, false, 4, w, h, 0, Guard::After, false);
-        Image a(o.dstTy, true, 1, w, h, 0, Guard::After, false), b(o.dstTy, true, 1, w, h, 0, Guard::After, false);
-        for (int y = 0; y < h; ++y)
-            for (int x = 0; x < w; ++x) src.set(3, x, y, 0);
-        auto s = src.csrc();
-        auto da = a.dst();
-        ASSERT_EQ(o.call(s.data(), src.step(), da.data(), a.step(), {w, h}, 0), kroStatusOk);
-        for (int y = 0; y < h; ++y)
-            for (int x = 0; x < w; ++x) src.set(3, x, y, pick(o.srcTy, Fill::Extreme) ^ 0x5a5a);
-        auto db = b.dst();
-        ASSERT_EQ(o.call(s.data(), src.step(), db.data(), b.step(), {w, h}, 0), kroStatusOk);
-        for (int y = 0; y < h; ++y)
-            for (int x = 0; x < w; ++x)
-                for (int k = 0; k < 3; ++k) ASSERT_EQ(a.get(k, x, y), b.get(k, x, y)) << "pixel " << x << " row " << y;
-    }
-}
-
 // ------------------------------------------------------------ exhaustive 8-bit sweeps
 // Every triple of 8-bit samples (a scattered sample under sanitizers) through
 // the vector steps (width 4096) and through the tail (width 3), in chunks.
@@ -504,29 +481,6 @@ TEST(YCoCgValues, SaturatedInverseAndLimitedForwardChroma) {
     EXPECT_EQ(Y, 64);
     EXPECT_EQ(Co, 255);
     EXPECT_EQ(Cg, 64);
-}
-
-TEST(YCoCgValues, AvalFillsEveryFourthSample) {
-    const int w = 13;
-    Kro16s y[w], co[w], cg[w], out[4 * w];
-    for (int i = 0; i < w; ++i) y[i] = Kro16s(i * 1000 - 6000), co[i] = Kro16s(i), cg[i] = Kro16s(-i);
-    const Kro16s* const p[3] = {y, co, cg};
-    ASSERT_EQ(kroiYCoCgToSBGR_16s_P3C4R(p, 2 * w, out, 8 * w, {w, 1}, 1234), kroStatusOk);
-    for (int i = 0; i < w; ++i) EXPECT_EQ(out[4 * i + 3], 1234) << i;
-}
-
-TEST(YCoCgValues, NoSizeCheckMembersWithEmptyRegions) {
-    Kro16s planesMem[3][4] = {};
-    const Kro16s* const p[3] = {planesMem[0], planesMem[1], planesMem[2]};
-    Kro8u out[12];
-    std::memset(out, 0xab, sizeof out);
-    EXPECT_EQ(kroiYCoCgToBGR_16s8u_P3C3R(p, 8, out, 12, {0, 1}), kroStatusOk);
-    EXPECT_EQ(kroiYCoCgToBGR_16s8u_P3C3R(p, 8, out, 12, {-1, 1}), kroStatusOk);
-    for (Kro8u b : out) EXPECT_EQ(b, 0xab);
-    const Kro16s bgr[12] = {};
-    Kro16s* const q[3] = {planesMem[0], planesMem[1], planesMem[2]};
-    EXPECT_EQ(kroiSBGRToYCoCg_16s_C3P3R(bgr, 24, q, 8, {-1, 1}), kroStatusBadSize);
-    EXPECT_EQ(kroiSBGRToYCoCg_Rev_16s_C3P3R(bgr, 24, q, 8, {-1, 1}), kroStatusOk);
 }
 
 }  // namespace
