@@ -111,23 +111,6 @@ TEST(Pack12, StatedExamples) {
     EXPECT_EQ(s[2], 0x789);
 }
 
-// Unpacking then packing an even row restores its bytes; packing then
-// unpacking restores 12-bit samples, at every width.
-TEST(Pack12, RoundTrips) {
-    for (int w = 1; w <= 40; ++w) {
-        std::vector<uint8_t> bytes(size_t(ref::packedBytes(w))), again(bytes.size());
-        fillRandom(bytes.data(), bytes.size());
-        std::vector<Kro16u> s(static_cast<size_t>(w)), t(static_cast<size_t>(w));
-        ASSERT_EQ(kroiUnpack_12u16u_C1R(bytes.data(), 1000, s.data(), 1000, {w, 1}), kroStatusOk);
-        for (Kro16u v : s) EXPECT_LE(v, 4095);
-        ASSERT_EQ(kroiPack_16u12u_C1R(s.data(), 1000, again.data(), 1000, {w, 1}), kroStatusOk);
-        if (w % 2 == 0) EXPECT_EQ(bytes, again) << w;
-        for (auto& v : s) v &= 0x0FFF;
-        ASSERT_EQ(kroiUnpack_12u16u_C1R(again.data(), 1000, t.data(), 1000, {w, 1}), kroStatusOk);
-        EXPECT_EQ(s, t) << w;
-    }
-}
-
 // Check order: null (-8), size (-6), step (-16); nothing is written on failure.
 TEST(Pack12, CheckOrder) {
     Kro16u s[4] = {1, 2, 3, 4};
