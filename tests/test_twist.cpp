@@ -13,6 +13,7 @@
 #include <functional>
 #include <limits>
 
+#include "convt_test.h"
 #include "harness.h"
 #include "ref_twist.h"
 
@@ -349,39 +350,31 @@ TEST(TwistExamples, FloatC3SizesAndFolding) {
 }
 
 // ------------------------------------------------------------ 4 x 4
+// The 4 x 4 form through the shared typed driver with three random matrices.
 TEST(TwistC4, AgainstReferenceEveryWidth) {
-    for (int w : sweepWidths(2)) {
-        for (int off : {0, 4, 8}) {
-            const int h = 1 + w % 3, pad = w % 2 ? 12 : 0;
-            Plane s(16 * w + off, h, pad, Guard::After), d(16 * w + off, h, pad + 4, Guard::Before);
-            // at most one special value a pixel: where two NaNs meet, which one
-            // comes out depends on operand order, which the reference does not pin
-            fillFloats(s.buf.data(), s.buf.size() & ~size_t(3), 4);
-            float m[4][4];
-            std::uniform_real_distribution<float> u(-1.5f, 1.5f);
-            for (auto& r : m)
-                for (auto& v : r) v = u(rng());
-            auto expect = d.snapshot();
-            for (int y = 0; y < h; ++y)
-                for (int x = 0; x < w; ++x) {
-                    float in[4], o[4];
-                    std::memcpy(in, s.row(y) + off + 16 * x, 16);
-                    for (int i = 0; i < 4; ++i) o[i] = ref::twistSum4(m[i], in);
-                    std::memcpy(d.rowIn(expect, y) + off + 16 * x, o, 16);
-                }
-            ASSERT_EQ(kroiColorTwist_32f_C4R(reinterpret_cast<const Kro32f*>(s.origin() + off), s.step,
-                                             reinterpret_cast<Kro32f*>(d.origin() + off), d.step, {w, h}, m),
-                      kroStatusOk);
-            ASSERT_EQ(diffPlane(d, expect, 16), "") << "width " << w << " offset " << off;
-        }
+    static float ms[3][4][4];
+    std::uniform_real_distribution<float> u(-1.5f, 1.5f);
+    for (auto& m : ms)
+        for (auto& r : m)
+            for (auto& v : r) v = u(rng());
+    for (const auto& m : ms) {
+        const TCase c{"kroiColorTwist_32f_C4R", 4, 4, 4, 4, 0, 2,
+                      [&m](const uint8_t* s, uint8_t* d, Path) {
+                          float in[4], o[4];
+                          std::memcpy(in, s, 16);
+                          for (int i = 0; i < 4; ++i) o[i] = ref::twistSum4(m[i], in);
+                          std::memcpy(d, o, 16);
+                      },
+                      blockPath(2),
+                      // at most one special value a pixel: where two NaNs meet, which one
+                      // comes out depends on operand order, which the reference does not pin
+                      [](uint8_t* p, int n) { fillFloats(p, size_t(n) * 4, 4); },
+                      [&m](const void* s, int ss, void* d, int ds, kroiSize r) {
+                          return kroiColorTwist_32f_C4R(static_cast<const Kro32f*>(s), ss, static_cast<Kro32f*>(d),
+                                                        ds, r, m);
+                      }};
+        sweepT(c, 1, false);  // steps must be positive
     }
-    // packed rows (one long row) give the same as padded ones
-    std::vector<Kro32f> s(4 * 5 * 3), a(s.size()), b(4 * 6 * 3);
-    fillFloats(reinterpret_cast<uint8_t*>(s.data()), s.size() * 4, 4);
-    float m[4][4] = {{1, 2, 3, 4}, {0.5f, 0.25f, 0, 1}, {-1, 0, 1, 0}, {0, 0, 0, 1}};
-    ASSERT_EQ(kroiColorTwist_32f_C4R(s.data(), 80, a.data(), 80, {5, 3}, m), kroStatusOk);
-    ASSERT_EQ(kroiColorTwist_32f_C4R(s.data(), 80, b.data(), 96, {5, 3}, m), kroStatusOk);
-    for (int y = 0; y < 3; ++y) EXPECT_EQ(std::memcmp(&a[size_t(20 * y)], &b[size_t(24 * y)], 80), 0);
 }
 
 TEST(TwistC4, CheckOrder) {
