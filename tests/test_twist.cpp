@@ -93,18 +93,22 @@ const std::vector<Op>& ops() {
     return v;
 }
 
-// Random float samples: mostly ordinary values, a few specials, never two
-// specials in one pixel (so no result meets two NaNs).
-void fillFloats(uint8_t* p, size_t bytes, int pixelFloats) {
+// Random float samples, pixelFloats to a pixel: mostly ordinary values, now
+// and then one special in a pixel, never two (so no result meets two NaNs,
+// whose order the reference does not pin).
+void randomPixel(float* v, int pixelFloats) {
     auto& r = rng();
     std::uniform_real_distribution<float> u(-2.0f, 2.0f);
     const float specials[] = {std::numeric_limits<float>::infinity(), -std::numeric_limits<float>::infinity(),
                               std::numeric_limits<float>::quiet_NaN(), -0.0f, 1e-40f, 3e38f};
-    const size_t n = bytes / 4;
-    for (size_t i = 0; i < n; ++i) {
-        float f = u(r);
-        if (i % size_t(pixelFloats) == 0 && r() % 16 == 0) f = specials[r() % 6];
-        std::memcpy(p + 4 * i, &f, 4);
+    for (int i = 0; i < pixelFloats; ++i) v[i] = u(r);
+    if (r() % 16 == 0) v[r() % unsigned(pixelFloats)] = specials[r() % 6];
+}
+void fillFloats(uint8_t* p, size_t bytes, int pixelFloats) {
+    for (size_t i = 0; i + 4 * size_t(pixelFloats) <= bytes; i += 4 * size_t(pixelFloats)) {
+        float v[4];
+        randomPixel(v, pixelFloats);
+        std::memcpy(p + i, v, 4 * size_t(pixelFloats));
     }
 }
 
@@ -131,12 +135,19 @@ std::string runCase(const Op& op, int width, int height, int off, int pad, Guard
     std::vector<Plane> src, dst;
     for (int p = 0; p < planes; ++p) {
         src.emplace_back(rowBytes, height, pad, g);
-        if (op.isFloat) {
-            fillFloats(src.back().buf.data(), src.back().buf.size() & ~size_t(3), op.lay == Lay::P3 ? 1 : ch);
-        }
         if (!op.inPlace) dst.emplace_back(rowBytes, height, (pad * 3 + 1) % 19, g == Guard::After ? Guard::Before : Guard::After);
     }
     std::vector<Plane>& out = op.inPlace ? src : dst;
+    // float samples pixel by pixel where the region puts them (any offset, planes or not)
+    if (op.isFloat)
+        for (int y = 0; y < height; ++y)
+            for (int x = 0; x < width; ++x) {
+                float v[3];
+                randomPixel(v, 3);
+                for (int c = 0; c < 3; ++c)
+                    std::memcpy(src[size_t(planes == 3 ? c : 0)].row(y) + off + (planes == 3 ? x : x * ch + c) * 4,
+                                &v[c], 4);
+            }
     std::vector<std::vector<uint8_t>> sSnap, expect;
     for (auto& p : src) sSnap.push_back(p.snapshot());
     for (auto& p : out) expect.push_back(p.snapshot());
