@@ -139,38 +139,29 @@ struct Image {
         return snap[p].data() + (at(k, x, y) - planes[p].buf.data());
     }
     static int64_t read(Ty t, const uint8_t* p) {
+        int16_t s;
+        int32_t l;
         if (t == Ty::U8) return *p;
-        if (t == Ty::S16) {
-            int16_t v;
-            std::memcpy(&v, p, 2);
-            return v;
-        }
-        int32_t v;
-        std::memcpy(&v, p, 4);
-        return v;
+        if (t == Ty::S16) return std::memcpy(&s, p, 2), s;
+        return std::memcpy(&l, p, 4), l;
     }
     static void write(Ty t, uint8_t* p, int64_t v) {
+        const int16_t s = static_cast<int16_t>(v);
+        const int32_t l = static_cast<int32_t>(v);
         if (t == Ty::U8) *p = static_cast<uint8_t>(v);
-        if (t == Ty::S16) {
-            const int16_t s = static_cast<int16_t>(v);
-            std::memcpy(p, &s, 2);
-        }
-        if (t == Ty::S32) {
-            const int32_t s = static_cast<int32_t>(v);
-            std::memcpy(p, &s, 4);
-        }
+        if (t == Ty::S16) std::memcpy(p, &s, 2);
+        if (t == Ty::S32) std::memcpy(p, &l, 4);
     }
     int64_t get(int k, int x, int y) const { return read(ty, at(k, x, y)); }
     void set(int k, int x, int y, int64_t v) const { write(ty, at(k, x, y), v); }
-    std::vector<const void*> csrc() const {
-        std::vector<const void*> o;
-        for (auto& p : planes) o.push_back(p.origin());
-        return o;
-    }
     std::vector<void*> dst() const {
         std::vector<void*> o;
         for (auto& p : planes) o.push_back(p.origin());
         return o;
+    }
+    std::vector<const void*> csrc() const {
+        const auto d = dst();
+        return {d.begin(), d.end()};
     }
     std::vector<std::vector<uint8_t>> snapshot() const {
         std::vector<std::vector<uint8_t>> s;
