@@ -54,10 +54,22 @@ constexpr Mask16 packedGroupMask(Packed422 f) {
     return m;
 }
 
+// 16 bytes as the even pixels' eight then the odd pixels' eight, back in
+// pixel order (also: eight Cb then eight Cr as pairs Cb Cr).
+inline V evenOddToPixels(V eo) {
+    return _mm_shuffle_epi8(eo, _mm_setr_epi8(0, 8, 1, 9, 2, 10, 3, 11, 4, 12, 5, 13, 6, 14, 7, 15));
+}
+inline V evenOddToPairsSwapped(V eo) {
+    return _mm_shuffle_epi8(eo, _mm_setr_epi8(8, 0, 9, 1, 10, 2, 11, 3, 12, 4, 13, 5, 14, 6, 15, 7));
+}
+
 // ============================================================ destination sides
 // A side gives, for pass j, a view with:
 //   store<N>(x, y[rows], cb, cr): N luma bytes per row from x, and the chroma
 //     bytes of those pixels' blocks (low bytes of cb, cr);
+//   storeEvenOdd16(x, yeo[rows], cbcr): 16 pixels of 4:2:2 or 4:2:0 blocks,
+//     each luma row as the even pixels' bytes then the odd ones', chroma as
+//     the eight Cb bytes then the eight Cr bytes;
 //   putY(k, x, v), putC(x0, cb, cr): one luma sample, one block's chroma;
 //   putOdd(x, y, cb, cr, hasCr): a block of one pixel at column x.
 
@@ -78,6 +90,12 @@ struct DstPlanes {
             for (int k = 0; k < kRows; ++k) storeLow<N>(y[k] + x, yv[k]);
             storeLow<M>(cb + x / F.block.w, cbv);
             storeLow<M>(cr + x / F.block.w, crv);
+        }
+        void storeEvenOdd16(int x, const V (&yeo)[kRows], V cbcr) const {
+            static_assert(F.block.w == 2, "blocks two pixels wide");
+            for (int k = 0; k < kRows; ++k) storeLow<16>(y[k] + x, evenOddToPixels(yeo[k]));
+            storeLow<8>(cb + x / 2, cbcr);
+            _mm_storeh_pi(reinterpret_cast<__m64*>(cr + x / 2), _mm_castsi128_ps(cbcr));
         }
         void putY(int k, int x, int v) const { y[k][x] = static_cast<uint8_t>(v); }
         void putC(int x0, int cbv, int crv) const {
@@ -117,6 +135,11 @@ struct DstSemi {
             const V pairs = F.cb == 0 ? _mm_unpacklo_epi8(cbv, crv) : _mm_unpacklo_epi8(crv, cbv);
             storeLow<2 * M>(c + 2 * (x / F.block.w), pairs);
         }
+        void storeEvenOdd16(int x, const V (&yeo)[kRows], V cbcr) const {
+            static_assert(F.block.w == 2, "blocks two pixels wide");
+            for (int k = 0; k < kRows; ++k) storeLow<16>(y[k] + x, evenOddToPixels(yeo[k]));
+            storeLow<16>(c + x, F.cb == 0 ? evenOddToPixels(cbcr) : evenOddToPairsSwapped(cbcr));
+        }
         void putY(int k, int x, int v) const { y[k][x] = static_cast<uint8_t>(v); }
         void putC(int x0, int cbv, int crv) const {
             uint8_t* q = c + 2 * (x0 / F.block.w);
@@ -154,6 +177,18 @@ struct DstPacked {
                 if constexpr (N == 16)
                     storeLow<16>(q + 16, _mm_shuffle_epi8(_mm_unpackhi_epi16(yv[0], pairs), loadMask(order)));
             }
+        }
+        // A group holds two 16-bit units, each a luma byte and a chroma byte:
+        // the even pixel's luma in the first unit, the odd pixel's in the second.
+        void storeEvenOdd16(int x, const V (&yeo)[1], V cbcr) const {
+            static_assert(F.y0 < 2 && F.y1 == F.y0 + 2, "even luma in the first unit, odd in the second");
+            // chroma of the first unit in the low half
+            const V c = F.cb < 2 ? cbcr : _mm_shuffle_epi32(cbcr, _MM_SHUFFLE(1, 0, 3, 2));
+            const V first = F.y0 == 0 ? _mm_unpacklo_epi8(yeo[0], c) : _mm_unpacklo_epi8(c, yeo[0]);
+            const V second = F.y0 == 0 ? _mm_unpackhi_epi8(yeo[0], c) : _mm_unpackhi_epi8(c, yeo[0]);
+            uint8_t* q = p + 2 * x;
+            storeLow<16>(q, _mm_unpacklo_epi16(first, second));
+            storeLow<16>(q + 16, _mm_unpackhi_epi16(first, second));
         }
         void putY(int, int x, int v) const { p[2 * (x & ~1) + ((x & 1) ? F.y1 : F.y0)] = static_cast<uint8_t>(v); }
         void putC(int x0, int cbv, int crv) const {
@@ -209,6 +244,15 @@ struct HasVec : std::false_type {};
 template <class F>
 struct HasVec<F, std::void_t<decltype(sizeof(&F::vec))>> : std::true_type {};
 
+template <class F, class = void>
+struct HasFromA14 : std::false_type {};
+template <class F>
+struct HasFromA14<F, std::void_t<decltype(sizeof(&F::fromA14))>> : std::true_type {};
+template <class F, class = void>
+struct HasScaled : std::false_type {};
+template <class F>
+struct HasScaled<F, std::void_t<decltype(sizeof(&F::scaled))>> : std::true_type {};
+
 // BW x BH: block shape. Span: the main-span rule. MY, MC: main luma and chroma
 // forms; TYE, TYO: tail luma of even and odd columns; TC: tail chroma; Odd:
 // the rule for columns past the last whole block.
@@ -226,9 +270,41 @@ struct Encoder {
         return pairs;
     }
 
+    // 16-pixel steps straight from the channel bytes, where the luma form
+    // works on A14 and the chroma form on scaled sums: pmaddubsw gives the
+    // samples << 7 of the even and the odd pixels and the pair sums << e.
+    static constexpr bool kFromBytes = BW == 2 && HasFromA14<MY>::value && HasScaled<MC>::value;
+
+    template <class SRow, class DView>
+    static void step16FromBytes(const SRow (&s)[BH], const DView& d, int x) {
+        constexpr int e = kMeanShift<kPix>;
+        V yeo[BH];
+        V sum[3];
+        for (int k = 0; k < BH; ++k) {
+            Px px;
+            s[k].template load<16>(x, px);
+            Neg7 ev[3], od[3];
+            for (int c = 0; c < 3; ++c) {
+                ev[c] = {evenNeg7(px.c[c])};
+                od[c] = {oddNeg7(px.c[c])};
+                // pairs << e over BH rows: the block's sum << e, at most 4 x 255 << 5
+                const V pr = pairSumsShl<e>(px.c[c]);
+                sum[c] = k == 0 ? pr : add16(sum[c], pr);
+            }
+            yeo[k] = clampU8(MY::fromA14(a14(ev[0], ev[1], ev[2])), MY::fromA14(a14(od[0], od[1], od[2])));
+        }
+        V cb, cr;
+        MC::scaled(sum[0], sum[1], sum[2], cb, cr);
+        d.storeEvenOdd16(x, yeo, clampU8(cb, cr));
+    }
+
     // One vector step of N pixels at column x.
     template <int N, class SRow, class DView>
     static void step(const SRow (&s)[BH], const DView& d, int x) {
+        if constexpr (N == 16 && kFromBytes) {
+            step16FromBytes(s, d, x);
+            return;
+        }
         constexpr int H = N == 16 ? 2 : 1;  // 16-bit halves
         V ch[BH][3][2];
         V yb[BH];
