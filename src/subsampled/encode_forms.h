@@ -267,6 +267,8 @@ struct Diff14 {
     static V cr(V r, V g, V b) {
         return sub16(sub16(mulRoundS15(splat16(WRr), r), mulRoundS15(splat16(WGr), g)), mulRoundS15(splat16(WBr), b));
     }
+    static V cb(Neg7 r, Neg7 g, Neg7 b) { return sub16(sub16(mulRound7<WBb>(b), mulRound7<WGb>(g)), mulRound7<WRb>(r)); }
+    static V cr(Neg7 r, Neg7 g, Neg7 b) { return sub16(sub16(mulRound7<WRr>(r), mulRound7<WGr>(g)), mulRound7<WBr>(b)); }
 };
 // D14b, D14r: the chroma sums of full-resolution forward form 2, here on
 // scaled block sums (or on samples << 7 in the CbYCr filter).
@@ -275,6 +277,14 @@ struct D14 {
     static int cr(int r, int g, int b) { return ycbcr::Fwd2::cr14<int>(r, g, b); }
     static V cb(V r, V g, V b) { return ycbcr::Fwd2::cb14<V>(r, g, b); }
     static V cr(V r, V g, V b) { return ycbcr::Fwd2::cr14<V>(r, g, b); }
+    static V cb(Neg7 r, Neg7 g, Neg7 b) {
+        namespace k = ycbcr::k;
+        return Diff14<k::CbB14, k::CbG14, k::CbR14, 0, 0, 0>::cb(r, g, b);
+    }
+    static V cr(Neg7 r, Neg7 g, Neg7 b) {
+        namespace k = ycbcr::k;
+        return Diff14<0, 0, 0, k::CrR14, k::CrG14, k::CrB14>::cr(r, g, b);
+    }
 };
 
 // Differences of unsigned high products (16-bit weights on the scaled sums).
