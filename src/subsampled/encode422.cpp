@@ -51,6 +51,7 @@ struct FilteredCbYCr {
     static void step16(const SrcRGB::Row& s, const Dst::View& d, int x, V& carryCb, V& carryCr) {
         Px px;
         s.load<16>(x, px);
+        readAhead(s, x);
         const Neg7 er{evenNeg7(px.c[0])}, eg{evenNeg7(px.c[1])}, eb{evenNeg7(px.c[2])};
         const Neg7 orr{oddNeg7(px.c[0])}, og{oddNeg7(px.c[1])}, ob{oddNeg7(px.c[2])};
         const V yeo[1] = {clampU8(L1::fromA14(a14(er, eg, eb)), L1::fromA14(a14(orr, og, ob)))};
