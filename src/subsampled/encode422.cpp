@@ -49,8 +49,10 @@ struct FilteredCbYCr {
     // Sixteen pixels straight from the channel bytes: the even pixels' terms
     // (luma and e) and the odd pixels' (luma and o) each on their own lanes.
     static void step16(const SrcRGB::Row& s, const Dst::View& d, int x, V& carryCb, V& carryCr) {
-        Px px;
-        s.load<16>(x, px);
+        const SrcRGB::Row rows[1] = {s};
+        Px pxs[1];
+        load16(rows, x, pxs);
+        const Px& px = pxs[0];
         readAhead(s, x);
         const Neg7 er{evenNeg7(px.c[0])}, eg{evenNeg7(px.c[1])}, eb{evenNeg7(px.c[2])};
         const Neg7 orr{oddNeg7(px.c[0])}, og{oddNeg7(px.c[1])}, ob{oddNeg7(px.c[2])};

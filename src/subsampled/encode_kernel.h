@@ -89,6 +89,51 @@ inline void readAhead(const SRow& s, int x) {
     }
 }
 
+// ------------------------------------------------------------ 16 pixels of R rows
+// Three-sample rows gathered by blends as the frame's deinterleave does, but
+// ordered by blend mask: pblendvb takes its mask in one fixed register, and of
+// the six masks of a row only three differ (channel c takes input 1 where
+// input 2 gives channel c + 1), so each is loaded once for all rows and
+// channels, not twice a row.
+template <class SRow>
+inline constexpr int kBlendRow = std::is_same_v<SRow, typename ycbcr::SrcC3Blend<false>::Row>  ? 1
+                                 : std::is_same_v<SRow, typename ycbcr::SrcC3Blend<true>::Row> ? 2
+                                                                                                : 0;
+
+constexpr bool sameMask(const Mask16& a, const Mask16& b) {
+    for (int i = 0; i < 16; ++i)
+        if (a.b[i] != b.b[i]) return false;
+    return true;
+}
+
+template <class SRow, int R>
+inline void load16(const SRow (&s)[R], int x, Px (&px)[R]) {
+    if constexpr (kBlendRow<SRow> > 0) {
+        constexpr bool swap = kBlendRow<SRow> == 2;
+        const auto& t = kBlend3<1>;
+        V in[R][3], c[R][3];
+        for (int k = 0; k < R; ++k) {
+            loadBytes<3, 16>(s[k].p + 3 * x, in[k]);
+            for (int ch = 0; ch < 3; ++ch) c[k][ch] = in[k][0];
+        }
+        for (int j = 0; j < 3; ++j) {
+            const int c1 = (j + 1) % 3, c2 = (j + 2) % 3;  // takes input 1, input 2 under this mask
+            const V m = loadMask(t.pick1[c1]);
+            for (int k = 0; k < R; ++k) {
+                c[k][c1] = _mm_blendv_epi8(c[k][c1], in[k][1], m);
+                c[k][c2] = _mm_blendv_epi8(c[k][c2], in[k][2], m);
+            }
+        }
+        for (int k = 0; k < R; ++k)
+            for (int ch = 0; ch < 3; ++ch) px[k].c[swap ? 2 - ch : ch] = _mm_shuffle_epi8(c[k][ch], loadMask(t.order[ch]));
+    } else {
+        for (int k = 0; k < R; ++k) s[k].template load<16>(x, px[k]);
+    }
+}
+static_assert(sameMask(kBlend3<1>.pick1[1], kBlend3<1>.pick2[2]) && sameMask(kBlend3<1>.pick1[2], kBlend3<1>.pick2[0]) &&
+                  sameMask(kBlend3<1>.pick1[0], kBlend3<1>.pick2[1]),
+              "three masks, each shared by two channels");
+
 // ============================================================ destination sides
 // A side gives, for pass j, a view with:
 //   store<N>(x, y[rows], cb, cr): N luma bytes per row from x, and the chroma
@@ -306,9 +351,10 @@ struct Encoder {
         constexpr int e = kMeanShift<kPix>;
         V yeo[BH];
         V sum[3];
+        Px pxs[BH];
+        load16(s, x, pxs);
         for (int k = 0; k < BH; ++k) {
-            Px px;
-            s[k].template load<16>(x, px);
+            const Px& px = pxs[k];
             readAhead(s[k], x);
             Neg7 ev[3], od[3];
             for (int c = 0; c < 3; ++c) {
