@@ -27,6 +27,31 @@ struct HasLumaVec : std::false_type {};
 template <class F>
 struct HasLumaVec<F, std::void_t<decltype(sizeof(&F::vec))>> : std::true_type {};
 
+template <class F, class = void>
+struct HasFromA14 : std::false_type {};
+template <class F>
+struct HasFromA14<F, std::void_t<decltype(sizeof(&F::fromA14))>> : std::true_type {};
+
+// Eight lanes of Y: by the vector form, and where the form takes A14, also from
+// the bytes of the even and of the odd pixels as the 16-pixel steps read them.
+static_assert(HasFromA14<L2>::value && !HasFromA14<L4>::value, "the byte path is checked where it is taken");
+
+struct LumaLanes {
+    V v[3];
+    int n = 0;
+};
+template <class F>
+LumaLanes lumaVectors(V r, V g, V b) {
+    LumaLanes out;
+    out.v[out.n++] = F::vec(r, g, b);
+    if constexpr (HasFromA14<F>::value) {
+        out.v[out.n++] = F::fromA14(a14(Neg7{evenNeg7(r)}, Neg7{evenNeg7(g)}, Neg7{evenNeg7(b)}));
+        const V r1 = _mm_slli_epi16(r, 8), g1 = _mm_slli_epi16(g, 8), b1 = _mm_slli_epi16(b, 8);
+        out.v[out.n++] = F::fromA14(a14(Neg7{oddNeg7(r1)}, Neg7{oddNeg7(g1)}, Neg7{oddNeg7(b1)}));
+    }
+    return out;
+}
+
 template <class F>
 void checkLuma(int form) {
     int64_t bad = 0;
@@ -35,13 +60,17 @@ void checkLuma(int form) {
     uint32_t ts[8];
     auto flush = [&] {
         if constexpr (HasLumaVec<F>::value) {
-            const V out = F::vec(_mm_load_si128(reinterpret_cast<V*>(r)), _mm_load_si128(reinterpret_cast<V*>(g)),
-                                 _mm_load_si128(reinterpret_cast<V*>(b)));
-            _mm_store_si128(reinterpret_cast<V*>(y), _mm_packus_epi16(out, out));
-            const auto* yb = reinterpret_cast<const uint8_t*>(y);
-            for (int i = 0; i < n; ++i)
-                if (yb[i] != ref::luma(form, colour(ts[i])) && bad++ < 3)
-                    ADD_FAILURE() << "L" << form << " vector at " << std::hex << ts[i];
+            const LumaLanes lanes = lumaVectors<F>(_mm_load_si128(reinterpret_cast<V*>(r)),
+                                                   _mm_load_si128(reinterpret_cast<V*>(g)),
+                                                   _mm_load_si128(reinterpret_cast<V*>(b)));
+            for (int k = 0; k < lanes.n; ++k) {
+                const V out = lanes.v[k];
+                _mm_store_si128(reinterpret_cast<V*>(y), _mm_packus_epi16(out, out));
+                const auto* yb = reinterpret_cast<const uint8_t*>(y);
+                for (int i = 0; i < n; ++i)
+                    if (yb[i] != ref::luma(form, colour(ts[i])) && bad++ < 3)
+                        ADD_FAILURE() << "L" << form << " vector at " << std::hex << ts[i];
+            }
         }
         n = 0;
     };

@@ -36,7 +36,33 @@ constexpr auto kLate = CheckOrder::NullSizeDeepNull;
 struct FilteredCbYCr {
     using Dst = DstPacked<kCbYCr422C2>;
 
-    // Eight pixels; carry holds o(x - 1) of Cb and Cr in lane 0 and receives o(x + 7).
+    // A main-path pair from e(2i), o(2i + 1) and o(2i - 1): the odd terms of
+    // the step in lanes 0-3 (eight pixels) or 0-7 (sixteen), and carry holding
+    // o(x - 1) in lane 7, which receives the step's last odd term.
+    template <int N>
+    static V pairs(V e, V oNext, V& carry) {
+        const V oPrev = _mm_alignr_epi8(oNext, carry, 14);
+        carry = N == 16 ? oNext : _mm_slli_si128(oNext, 8);
+        return filterMain(e, oNext, oPrev);
+    }
+
+    // Sixteen pixels straight from the channel bytes: the even pixels' terms
+    // (luma and e) and the odd pixels' (luma and o) each on their own lanes.
+    static void step16(const SrcRGB::Row& s, const Dst::View& d, int x, V& carryCb, V& carryCr) {
+        const SrcRGB::Row rows[1] = {s};
+        Px pxs[1];
+        load16(rows, x, pxs);
+        const Px& px = pxs[0];
+        readAhead(s, x);
+        const Neg7 er{evenNeg7(px.c[0])}, eg{evenNeg7(px.c[1])}, eb{evenNeg7(px.c[2])};
+        const Neg7 orr{oddNeg7(px.c[0])}, og{oddNeg7(px.c[1])}, ob{oddNeg7(px.c[2])};
+        const V yeo[1] = {clampU8(L1::fromA14(a14(er, eg, eb)), L1::fromA14(a14(orr, og, ob)))};
+        const V cb = pairs<16>(EvenTerm::cb(er, eg, eb), OddTerm::cb(orr, og, ob), carryCb);
+        const V cr = pairs<16>(EvenTerm::cr(er, eg, eb), OddTerm::cr(orr, og, ob), carryCr);
+        d.storeEvenOdd16(x, yeo, clampU8(cb, cr));
+    }
+
+    // Eight pixels.
     static void step8(const SrcRGB::Row& s, const Dst::View& d, int x, V& carryCb, V& carryCr) {
         Px px;
         s.load<8>(x, px);
@@ -45,15 +71,11 @@ struct FilteredCbYCr {
         const V r7 = shl16<7>(r), g7 = shl16<7>(g), b7 = shl16<7>(b);
         const V evenLanes = _mm_setr_epi8(0, 1, 4, 5, 8, 9, 12, 13, -1, -1, -1, -1, -1, -1, -1, -1);
         const V oddLanes = _mm_setr_epi8(2, 3, 6, 7, 10, 11, 14, 15, -1, -1, -1, -1, -1, -1, -1, -1);
-        auto pairs = [&](V e, V o, V& carry) {
-            const V eEven = _mm_shuffle_epi8(e, evenLanes);
-            const V oNext = _mm_shuffle_epi8(o, oddLanes);                   // o(2i + 1)
-            const V oPrev = _mm_or_si128(_mm_slli_si128(oNext, 2), carry);  // o(2i - 1)
-            carry = _mm_srli_si128(oNext, 6);
-            return clampU8(filterMain(eEven, oNext, oPrev), zero());
+        auto chroma = [&](V e, V o, V& carry) {
+            return clampU8(pairs<8>(_mm_shuffle_epi8(e, evenLanes), _mm_shuffle_epi8(o, oddLanes), carry), zero());
         };
-        const V cb = pairs(EvenTerm::cb(r7, g7, b7), OddTerm::cb(r7, g7, b7), carryCb);
-        const V cr = pairs(EvenTerm::cr(r7, g7, b7), OddTerm::cr(r7, g7, b7), carryCr);
+        const V cb = chroma(EvenTerm::cb(r7, g7, b7), OddTerm::cb(r7, g7, b7), carryCb);
+        const V cr = chroma(EvenTerm::cr(r7, g7, b7), OddTerm::cr(r7, g7, b7), carryCr);
         d.store<8>(x, yv, cb, cr);
     }
 
@@ -61,7 +83,9 @@ struct FilteredCbYCr {
         const int span = spanS8(width);
         const int whole = spanAll(k422, width);
         V carryCb = zero(), carryCr = zero();
-        for (int x = 0; x < span; x += 8) step8(s, d, x, carryCb, carryCr);
+        int x = 0;
+        for (; x + 16 <= span; x += 16) step16(s, d, x, carryCb, carryCr);
+        for (; x < span; x += 8) step8(s, d, x, carryCb, carryCr);
         // the left quarter of the first tail pair: o of the last main pixel, in 16 fraction bits
         int pCb = 0, pCr = 0;
         if (span > 0) {
@@ -70,7 +94,7 @@ struct FilteredCbYCr {
             pCb = OddTerm::cb(px[0] << 7, px[1] << 7, px[2] << 7) * 512;
             pCr = OddTerm::cr(px[0] << 7, px[1] << 7, px[2] << 7) * 512;
         }
-        for (int x = span; x < whole; x += 2) {
+        for (x = span; x < whole; x += 2) {
             int e[4], o[4];
             s.get(x, e);
             s.get(x + 1, o);

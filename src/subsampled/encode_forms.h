@@ -34,28 +34,52 @@ inline V shr16(V a) { return _mm_srli_epi16(a, N); }
 // also expose their unshifted luma term P (term / vterm), which the YUV
 // chroma forms sum over a block.
 
+// Samples straight from bytes: pmaddubsw of a channel's bytes by -128 on one
+// byte of each pair and 0 on the other gives -(x << 7) of the even (or odd)
+// pixels in one step, with neither widening nor shift. mulRoundS15(-w, -(x << 7))
+// is the very product of mulRoundS15(w, x << 7), so the forms on samples << 7
+// take these with their weights negated and give the same numbers.
+struct Neg7 {
+    V v;
+};
+inline V evenNeg7(V bytes) { return _mm_maddubs_epi16(bytes, _mm_set1_epi16(0x0080)); }
+inline V oddNeg7(V bytes) { return _mm_maddubs_epi16(bytes, _mm_set1_epi16(static_cast<short>(0x8000))); }
+// The sums of adjacent pixels, shifted left by E, also in one step (exact: 2 x 255 << 6 fits).
+template <int E>
+inline V pairSumsShl(V bytes) { return _mm_maddubs_epi16(bytes, _mm_set1_epi8(1 << E)); }
+template <int W>
+inline V mulRound7(Neg7 x) { return mulRoundS15(splat16(-W), x.v); }
+
 // A14: BT.601 studio weights in 14 fraction bits on samples << 7, each product
 // rounded by itself; the sum carries 6 fraction bits. The sum of forward form 2
 // of full-resolution YCbCr.
 inline int a14(int r, int g, int b) { return ycbcr::Fwd2::luma14<int>(r << 7, g << 7, b << 7); }
 inline V a14(V r, V g, V b) { return ycbcr::Fwd2::luma14<V>(shl16<7>(r), shl16<7>(g), shl16<7>(b)); }
+inline V a14(Neg7 r, Neg7 g, Neg7 b) {
+    namespace k = ycbcr::k;
+    return add16(add16(mulRound7<k::YR14>(r), mulRound7<k::YG14>(g)), mulRound7<k::YB14>(b));
+}
 
+// The luma forms on A14 take it whichever way it was computed (fromA14).
 // L1: A14 rounded with the offset 16.5 x 64 (Y of full-resolution forward form 2).
 struct L1 {
     static int one(int r, int g, int b) { return clampU8((a14(r, g, b) + 1056) >> 6); }
-    static V vec(V r, V g, V b) { return sar16<6>(add16(a14(r, g, b), splat16(1056))); }
+    static V fromA14(V a) { return sar16<6>(add16(a, splat16(1056))); }
+    static V vec(V r, V g, V b) { return fromA14(a14(r, g, b)); }
 };
 
 // L2: A14 with 16 x 64 + 2 (not 16.5 x 64).
 struct L2 {
     static int one(int r, int g, int b) { return clampU8((a14(r, g, b) + 1026) >> 6); }
-    static V vec(V r, V g, V b) { return sar16<6>(add16(a14(r, g, b), splat16(1026))); }
+    static V fromA14(V a) { return sar16<6>(add16(a, splat16(1026))); }
+    static V vec(V r, V g, V b) { return fromA14(a14(r, g, b)); }
 };
 
 // L3: A14 floored, then the offset 16.
 struct L3 {
     static int one(int r, int g, int b) { return clampU8((a14(r, g, b) >> 6) + 16); }
-    static V vec(V r, V g, V b) { return add16(sar16<6>(a14(r, g, b)), splat16(16)); }
+    static V fromA14(V a) { return add16(sar16<6>(a), splat16(16)); }
+    static V vec(V r, V g, V b) { return fromA14(a14(r, g, b)); }
 };
 
 // Unsigned products of samples << 8 by 15-bit weights, summed: 7 fraction bits.
@@ -243,6 +267,8 @@ struct Diff14 {
     static V cr(V r, V g, V b) {
         return sub16(sub16(mulRoundS15(splat16(WRr), r), mulRoundS15(splat16(WGr), g)), mulRoundS15(splat16(WBr), b));
     }
+    static V cb(Neg7 r, Neg7 g, Neg7 b) { return sub16(sub16(mulRound7<WBb>(b), mulRound7<WGb>(g)), mulRound7<WRb>(r)); }
+    static V cr(Neg7 r, Neg7 g, Neg7 b) { return sub16(sub16(mulRound7<WRr>(r), mulRound7<WGr>(g)), mulRound7<WBr>(b)); }
 };
 // D14b, D14r: the chroma sums of full-resolution forward form 2, here on
 // scaled block sums (or on samples << 7 in the CbYCr filter).
@@ -251,6 +277,14 @@ struct D14 {
     static int cr(int r, int g, int b) { return ycbcr::Fwd2::cr14<int>(r, g, b); }
     static V cb(V r, V g, V b) { return ycbcr::Fwd2::cb14<V>(r, g, b); }
     static V cr(V r, V g, V b) { return ycbcr::Fwd2::cr14<V>(r, g, b); }
+    static V cb(Neg7 r, Neg7 g, Neg7 b) {
+        namespace k = ycbcr::k;
+        return Diff14<k::CbB14, k::CbG14, k::CbR14, 0, 0, 0>::cb(r, g, b);
+    }
+    static V cr(Neg7 r, Neg7 g, Neg7 b) {
+        namespace k = ycbcr::k;
+        return Diff14<0, 0, 0, k::CrR14, k::CrG14, k::CrB14>::cr(r, g, b);
+    }
 };
 
 // Differences of unsigned high products (16-bit weights on the scaled sums).
@@ -272,7 +306,8 @@ inline V hiSumS(V r, V g, V b) {
     return add16(add16(mulHighS16(splat16(WB), b), mulHighS16(splat16(WG), g)), mulHighS16(splat16(WR), r));
 }
 
-// Shared shape of the scaled-sum forms: a body computes Cb and Cr from R', G', B'.
+// Shared shape of the scaled-sum forms: a body computes Cb and Cr from R', G', B'
+// (scaled: from sums already shifted left by e, as pairSumsShl gives them).
 template <class Body>
 struct ScaledForm {
     using YTerm = NoTerm;
@@ -282,10 +317,11 @@ struct ScaledForm {
         constexpr int e = kMeanShift<Pix>;
         Body::one(s.sr << e, s.sg << e, s.sb << e, cb, cr);
     }
+    static void scaled(V r, V g, V b, V& cb, V& cr) { Body::vec(r, g, b, cb, cr); }
     template <int Pix>
     static void vec(const BlockSumsV& s, V& cb, V& cr) {
         constexpr int e = kMeanShift<Pix>;
-        Body::vec(shl16<e>(s.sr), shl16<e>(s.sg), shl16<e>(s.sb), cb, cr);
+        scaled(shl16<e>(s.sr), shl16<e>(s.sg), shl16<e>(s.sb), cb, cr);
     }
 };
 
