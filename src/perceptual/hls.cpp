@@ -49,7 +49,7 @@ using OutBgrP3 = DstP<u8, 3, true>;
 using OutBgrP4 = DstP<u8, 4, true>;
 
 // ------------------------------------------------------------ kernels
-using RgbToHls8C3 = KernelF<8, Fwd1Main, Fwd1Tail>;
+using RgbToHls8C3 = KernelF<8, Fwd1Main, Fwd1Tail, false, Fwd1Main16>;
 using RgbToHls8AC4 = KernelF<4, Fwd1Main, Fwd1TailNearest>;
 using RgbToHls16 = KernelF<4, Fwd2Main, Fwd2Tail>;
 using RgbToHls32f = KernelF<4, Fwd4, Fwd4>;  // one per-pixel form, four lanes at a time

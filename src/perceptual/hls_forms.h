@@ -183,6 +183,67 @@ struct FwdMain {
     }
 };
 
+// Bytes of pixels 4j .. 4j + 3 of a 16-byte channel, one a 32-bit lane.
+template <int J>
+inline V byteLanes(V v) {
+    constexpr char o = static_cast<char>(4 * J), z = -1;
+    return _mm_shuffle_epi8(v, _mm_setr_epi8(o, z, z, z, o + 1, z, z, z, o + 2, z, z, z, o + 3, z, z, z));
+}
+template <int J>
+inline VF byteFloats(V v) { return _mm_cvtepi32_ps(byteLanes<J>(v)); }
+
+// Path 1 main on 16 pixels of bytes (8u RGB): the numbers of Fwd1Main. What is
+// exact on integers is taken in bytes, sixteen pixels an instruction:
+//  - mx, mn and d; L = (mx + mn) / 2 to nearest, ties to even: the average
+//    rounded up, less one where the sum is odd and that average is odd;
+//  - the saturation's denominator, mx + mn up to 255, else 510 - (mx + mn) =
+//    (255 - mx) + (255 - mn): the smaller of the two sums saturated at 255;
+//  - the hue's difference as its two operands, (G, B) where mx is R, else
+//    (B, R) where mx is G, else (R, G), and its offset in steps of 120
+//    degrees: 1 for G, 2 for B; for R 3 (the turn added) where G < B, else 0.
+// The float lanes then take, four pixels at a time, S = (estimate(den) x d) x 255
+// and H = (((a - b) x (estimate(d) x 60)) + offset) x hueOut8, where R's
+// offset 0 is exact and 360 is the wrap of a negative hue.
+// Achromatic pixels (d = 0) need no mask: their estimate(d) is infinite and
+// a - b is 0, so H is NaN, as is S where den is 0 (black and white); a NaN
+// converts to the integer 0x80000000, which the pack steps saturate to 0, the
+// H and S of an achromatic pixel. Other achromatic S are finite x 0 = 0.
+struct Fwd1Main16 {
+    template <int J>
+    static void block(V d, V den, V a, V b, V turn, V& h, V& s) {
+        const VF df = byteFloats<J>(d);
+        s = roundEven((estimate(byteFloats<J>(den)) * df) * 255.0f);
+        const VF k = estimate(df) * 60.0f;
+        const VF diff = _mm_cvtepi32_ps(_mm_sub_epi32(byteLanes<J>(a), byteLanes<J>(b)));
+        h = roundEven(((diff * k) + byteFloats<J>(turn) * 120.0f) * kHueOut8);
+    }
+
+    static void apply(const V (&in)[3], V (&o)[3]) {
+        const V R = in[0], G = in[1], B = in[2];
+        const V mx = _mm_max_epu8(_mm_max_epu8(R, G), B), mn = _mm_min_epu8(_mm_min_epu8(R, G), B);
+        const V d = _mm_sub_epi8(mx, mn);
+        const V one = _mm_set1_epi8(1), ones = _mm_set1_epi8(-1);
+        const V up = _mm_avg_epu8(mx, mn);
+        const V L = _mm_sub_epi8(up, _mm_and_si128(_mm_and_si128(_mm_xor_si128(mx, mn), up), one));
+        const V den = _mm_min_epu8(_mm_adds_epu8(mx, mn),
+                                   _mm_adds_epu8(_mm_xor_si128(mx, ones), _mm_xor_si128(mn, ones)));
+        const V isR = _mm_cmpeq_epi8(mx, R), isG = _mm_cmpeq_epi8(mx, G);
+        const V a = _mm_blendv_epi8(_mm_blendv_epi8(R, B, isG), G, isR);
+        const V b = _mm_blendv_epi8(_mm_blendv_epi8(G, R, isG), B, isR);
+        const V aNotBelow = _mm_cmpeq_epi8(_mm_subs_epu8(b, a), zero());
+        const V turn = _mm_blendv_epi8(_mm_blendv_epi8(_mm_set1_epi8(2), one, isG),
+                                       _mm_andnot_si128(aNotBelow, _mm_set1_epi8(3)), isR);
+        V h[4], s[4];
+        block<0>(d, den, a, b, turn, h[0], s[0]);
+        block<1>(d, den, a, b, turn, h[1], s[1]);
+        block<2>(d, den, a, b, turn, h[2], s[2]);
+        block<3>(d, den, a, b, turn, h[3], s[3]);
+        o[0] = _mm_packus_epi16(_mm_packs_epi32(h[0], h[1]), _mm_packs_epi32(h[2], h[3]));
+        o[1] = L;
+        o[2] = _mm_packus_epi16(_mm_packs_epi32(s[0], s[1]), _mm_packs_epi32(s[2], s[3]));
+    }
+};
+
 // Path 3 main (8u BGR): an achromatic lane has 0.5 added to d and s before
 // the (unrefined) reciprocals; truncated.
 struct FwdMainBgr {
@@ -414,7 +475,7 @@ struct Inv {
 
 // ------------------------------------------------------------ the paths
 // Forward (H, L, S out): main path, tail.
-using Fwd1Main = FwdMain<Scale8, Estimate, Nearest>;     // 8u RGB
+using Fwd1Main = FwdMain<Scale8, Estimate, Nearest>;     // 8u RGB (Fwd1Main16: the same numbers on 16 pixels of bytes)
 using Fwd1Tail = FwdTail<Scale8, Trunc>;                 // 8u RGB C3, 8u BGR
 using Fwd1TailNearest = FwdTail<Scale8, Nearest>;        // 8u RGB AC4
 using Fwd2Main = FwdMain<Scale16, Refined, Nearest>;     // 16u, 16s

@@ -283,6 +283,14 @@ struct SrcC {
             kro::deinterleave3<4>(in, c);
             for (int k = 0; k < 3; ++k) ch[k] = c[Swap ? 2 - k : k];
         }
+        // The same 16 pixels with each channel's bytes in pixel order.
+        void loadBytes16(int x, V (&ch)[3]) const {
+            static_assert(kWide, "16-pixel loads of 8u rows of three samples");
+            V in[3], c[3];
+            kro::loadBytes<3, 16>(p + Cn * x, in);
+            kro::deinterleave3(in, c);
+            for (int k = 0; k < 3; ++k) ch[k] = c[Swap ? 2 - k : k];
+        }
         static void block(const V (&ch)[3], int j, VF (&c)[3]) {
             const V low = _mm_set1_epi32(0xff);
             for (int k = 0; k < 3; ++k) {
@@ -402,6 +410,15 @@ struct DstC {
             kro::interleave3(ch, out);
             kro::storeBytes<3, 16>(p + Cn * x, out);
         }
+        // 16 pixels, each channel's bytes in pixel order.
+        void storeBytes16(int x, const V (&c)[3]) const {
+            static_assert(kWide, "16-pixel stores of 8u rows of three samples");
+            V ch[3];
+            for (int k = 0; k < 3; ++k) ch[Swap ? 2 - k : k] = c[k];
+            V out[3];
+            kro::interleave3(ch, out);
+            kro::storeBytes<3, 16>(p + Cn * x, out);
+        }
         void put(int x, const typename Sample<T>::Word (&o)[3], T fourth) const {
             T* q = p + Cn * x;
             for (int k = 0; k < 3; ++k) q[Swap ? 2 - k : k] = Sample<T>::fromWord(o[k]);
@@ -448,7 +465,10 @@ struct DstP {
 // the rest through the scalar tail form; B = 1: the whole row is scalar.
 // ByAlignment: rows whose destination is 16-byte aligned store whole registers
 // with aligned stores (same bytes as the general sequence).
-template <int B, class VecForm, class TailForm, bool ByAlignment = false>
+// Bytes16: a form on 16 pixels of bytes (three channel registers in, three
+// out) with the numbers of VecForm; where both sides move 8u rows of three
+// samples, it takes the main path 16 pixels at a time.
+template <int B, class VecForm, class TailForm, bool ByAlignment = false, class Bytes16 = void>
 struct KernelF {
     static_assert(B == 1 || B == 4 || B == 8, "blocks of 4 or 8 pixels, or scalar only");
 
@@ -462,7 +482,14 @@ struct KernelF {
     static int mainPath(const SRow& s, const DRow& d, int width) {
         const int n = width & ~(B - 1);
         int x = 0;
-        if constexpr (Wide<SRow>::value && Wide<DRow>::value && !Aligned) {
+        if constexpr (!std::is_void_v<Bytes16> && Wide<SRow>::value && Wide<DRow>::value && !Aligned) {
+            for (; x + 16 <= n; x += 16) {
+                V in[3], out[3];
+                s.loadBytes16(x, in);
+                Bytes16::apply(in, out);
+                d.storeBytes16(x, out);
+            }
+        } else if constexpr (Wide<SRow>::value && Wide<DRow>::value && !Aligned) {
             for (; x + 16 <= n; x += 16) {
                 V ch[3];
                 s.load16(x, ch);
