@@ -57,6 +57,8 @@ inline VF pick(VF m, VF a, float b) { return _mm_blendv_ps(splat(b), a, m); }
 inline float zeroWhere(bool m, float a) { return m ? 0.0f : a; }
 inline VF zeroWhere(VF m, VF a) { return _mm_andnot_ps(m, a); }
 
+inline float minOf(float a, float b) { return a < b ? a : b; }
+inline VF minOf(VF a, VF b) { return _mm_min_ps(a, b); }  // a < b ? a : b
 inline float max3(float a, float b, float c) {
     const float m = a > b ? a : b;
     return m > c ? m : c;
@@ -284,20 +286,28 @@ struct FwdTail {
 // ------------------------------------------------------------ forward, 32f
 // True division; achromatic when d is at most 2^-23; no clamp. The row is one
 // loop of this per-pixel form; four pixels go through the vector version at
-// once, which takes the same divisions of the same operands (the branch's
-// numerator and denominator are chosen first, then divided once), so every
-// lane holds the scalar form's bits, NaN and signed zeros included.
+// once, which takes the same divisions of the same operands, so every lane
+// holds the scalar form's bits, NaN and signed zeros included:
+//  - S's denominator is min(s, 2 - s): s where Lf = 0.5 s is at most 0.5
+//    (s at most 1, where 2 - s is at least s), else 2 - s, which is then
+//    below s, or is the NaN or -inf that the comparisons leave to it;
+//  - the branch's operands are chosen first, (G, B) where mx is R, else
+//    (B, R) where mx is G, else (R, G), and ((a - b) x 60) / d divided once;
+//  - its offset is added to every lane: 120 for G, 240 for B and -0 for R,
+//    which leaves every number as it is (a -0 stays -0: R adds nothing);
+//  - a hue below 0 has 360 added, the others -0, again nothing.
 struct FwdFloat {
     static void apply(const VF (&in)[3], V (&o)[3]) {
         const VF R = in[0], G = in[1], B = in[2];
         const auto st = start(R, G, B);
         const VF grey = le(st.d, kEps32);
-        const VF sf = st.d / pick(le(st.Lf, 0.5f), st.s, 2.0f - st.s);
+        const VF sf = st.d / minOf(st.s, 2.0f - st.s);
         const VF isR = eq(st.mx, R), isG = eq(st.mx, G);
-        const VF q = byDominant(st.mx, R, G, (G - B) * 60.0f, (B - R) * 60.0f, (R - G) * 60.0f) / st.d;
-        // R: q itself (no offset added, so a -0 stays -0); G: 120 + q; B: q + 240
-        const VF hd = pick(isR, q, pick(isG, 120.0f + q, q + 240.0f));
-        o[0] = AsFloat::of(zeroWhere(grey, wrapHue(hd) / 360.0f));
+        const VF a = pick(isR, G, pick(isG, B, R)), b = pick(isR, B, pick(isG, R, G));
+        const VF q = ((a - b) * 60.0f) / st.d;
+        const VF hd = q + pick(isR, -0.0f, pick(isG, splat(120.0f), splat(240.0f)));
+        const VF wrapped = hd + pick(lt(hd, 0.0f), splat(360.0f), splat(-0.0f));
+        o[0] = AsFloat::of(zeroWhere(grey, wrapped / 360.0f));
         o[1] = AsFloat::of(st.Lf);
         o[2] = AsFloat::of(zeroWhere(grey, sf));
     }
@@ -369,33 +379,32 @@ struct M2HighSum {  // (L + S) - (S x L); the same numbers as (S + L) - (L x S)
     static X of(X L, X S) { return (L + S) - (S * L); }
 };
 
-// Rising and falling edges of the ramp between m1 and m2 (d = m2 - m1).
-struct EdgeTD {  // ((t x d) x c60) + m1, (((240 - t) x d) x c60) + m1
+// Rising and falling edges of the ramp between m1 and m2 (d = m2 - m1), as
+// one function of the distance u from the ramp's foot: u = t on the rising
+// edge, u = 240 - t on the falling one.
+struct EdgeTD {  // ((u x d) x c60) + m1
     template <class X>
-    static X rise(X t, X d, X m1) { return ((t * d) * kC60) + m1; }
-    template <class X>
-    static X fall(X t, X d, X m1) { return (((240.0f - t) * d) * kC60) + m1; }
+    static X at(X u, X d, X m1) { return ((u * d) * kC60) + m1; }
 };
-struct EdgeDiv {  // ((d x t) / 60) + m1, ((d x (240 - t)) / 60) + m1
+struct EdgeDiv {  // ((d x u) / 60) + m1
     template <class X>
-    static X rise(X t, X d, X m1) { return ((d * t) / 60.0f) + m1; }
-    template <class X>
-    static X fall(X t, X d, X m1) { return ((d * (240.0f - t)) / 60.0f) + m1; }
+    static X at(X u, X d, X m1) { return ((d * u) / 60.0f) + m1; }
 };
-struct EdgeTC {  // ((t x c60) x d) + m1, (((240 - t) x c60) x d) + m1; c60 x t is the same
+struct EdgeTC {  // ((u x c60) x d) + m1; c60 x t is the same
     template <class X>
-    static X rise(X t, X d, X m1) { return ((t * kC60) * d) + m1; }
-    template <class X>
-    static X fall(X t, X d, X m1) { return (((240.0f - t) * kC60) * d) + m1; }
+    static X at(X u, X d, X m1) { return ((u * kC60) * d) + m1; }
 };
 
 // ramp(t): below 60 rising, below 180 m2, below 240 falling, else m1;
-// exactly 60, 180 and 240 belong to the branch above.
+// exactly 60, 180 and 240 belong to the branch above. min(t, 240 - t) is t
+// below 60 and 240 - t from 180 to 240, so one edge serves both branches (a
+// NaN t takes m1 either way).
 template <class Edge, class X>
 inline X ramp(X t, X m1, X m2, X d) {
-    X v = pick(lt(t, 240.0f), Edge::fall(t, d, m1), m1);
+    const X e = Edge::at(minOf(t, 240.0f - t), d, m1);
+    X v = pick(lt(t, 240.0f), e, m1);
     v = pick(lt(t, 180.0f), m2, v);
-    return pick(lt(t, 60.0f), Edge::rise(t, d, m1), v);
+    return pick(lt(t, 60.0f), e, v);
 }
 
 // Hue positions of the three channels: R one third ahead (wrapped above 360),

@@ -172,8 +172,11 @@ inline T* rowAt(T* base, int step, int y) {
 // ------------------------------------------------------------ four float pixels by lanes
 // Three samples a pixel: in = r0 g0 b0 r1 | g1 b1 r2 g2 | b2 r3 g3 b3. Each
 // channel sits at lanes of the three registers that do not overlap, so two
-// blends and one lane shuffle gather it; the reverse to interleave.
-// Four samples a pixel: a 4 x 4 transpose.
+// blends gather it; R comes out with its lanes holding pixels 0, 3, 2, 1, and
+// one lane shuffle each puts G and B in that order too. Every form works lane
+// by lane, so the results go back in the same order: channelsToFloats takes
+// channels whose lanes hold pixels 0, 3, 2, 1.
+// Four samples a pixel: a 4 x 4 transpose, lanes in pixel order.
 template <int Cn>
 inline void floatsToChannels(const V (&in)[Cn], V (&ch)[Cn]) {
     if constexpr (Cn == 3) {
@@ -181,9 +184,9 @@ inline void floatsToChannels(const V (&in)[Cn], V (&ch)[Cn]) {
         const VF r = _mm_blend_ps(_mm_blend_ps(a, b, 0x4), c, 0x2);  // r0 r3 r2 r1
         const VF g = _mm_blend_ps(_mm_blend_ps(b, a, 0x2), c, 0x4);  // g1 g0 g3 g2
         const VF bl = _mm_blend_ps(_mm_blend_ps(c, b, 0x2), a, 0x4); // b2 b1 b0 b3
-        ch[0] = _mm_shuffle_epi32(_mm_castps_si128(r), _MM_SHUFFLE(1, 2, 3, 0));
-        ch[1] = _mm_shuffle_epi32(_mm_castps_si128(g), _MM_SHUFFLE(2, 3, 0, 1));
-        ch[2] = _mm_shuffle_epi32(_mm_castps_si128(bl), _MM_SHUFFLE(3, 0, 1, 2));
+        ch[0] = _mm_castps_si128(r);
+        ch[1] = _mm_shuffle_epi32(_mm_castps_si128(g), _MM_SHUFFLE(0, 3, 2, 1));   // g0 g3 g2 g1
+        ch[2] = _mm_shuffle_epi32(_mm_castps_si128(bl), _MM_SHUFFLE(1, 0, 3, 2));  // b0 b3 b2 b1
     } else {
         const VF p0 = _mm_castsi128_ps(in[0]), p1 = _mm_castsi128_ps(in[1]);
         const VF p2 = _mm_castsi128_ps(in[2]), p3 = _mm_castsi128_ps(in[3]);
@@ -196,10 +199,11 @@ inline void floatsToChannels(const V (&in)[Cn], V (&ch)[Cn]) {
     }
 }
 
+// Channels with lanes holding pixels 0, 3, 2, 1 back to three samples a pixel.
 inline void channelsToFloats(const V (&ch)[4], V (&out)[3]) {
-    const VF r = _mm_castsi128_ps(_mm_shuffle_epi32(ch[0], _MM_SHUFFLE(1, 2, 3, 0)));  // r0 r3 r2 r1
-    const VF g = _mm_castsi128_ps(_mm_shuffle_epi32(ch[1], _MM_SHUFFLE(2, 3, 0, 1)));  // g1 g0 g3 g2
-    const VF b = _mm_castsi128_ps(_mm_shuffle_epi32(ch[2], _MM_SHUFFLE(3, 0, 1, 2)));  // b2 b1 b0 b3
+    const VF r = _mm_castsi128_ps(ch[0]);                                              // r0 r3 r2 r1
+    const VF g = _mm_castsi128_ps(_mm_shuffle_epi32(ch[1], _MM_SHUFFLE(2, 1, 0, 3)));  // g1 g0 g3 g2
+    const VF b = _mm_castsi128_ps(_mm_shuffle_epi32(ch[2], _MM_SHUFFLE(1, 0, 3, 2)));  // b2 b1 b0 b3
     out[0] = _mm_castps_si128(_mm_blend_ps(_mm_blend_ps(r, g, 0x2), b, 0x4));  // r0 g0 b0 r1
     out[1] = _mm_castps_si128(_mm_blend_ps(_mm_blend_ps(g, b, 0x2), r, 0x4));  // g1 b1 r2 g2
     out[2] = _mm_castps_si128(_mm_blend_ps(_mm_blend_ps(b, r, 0x2), g, 0x4));  // b2 r3 g3 b3
@@ -246,6 +250,8 @@ struct SrcC {
     int step;
     struct Row {
         using Type = T;
+        // lanes of a block hold pixels 0, 3, 2, 1 (32f, three samples a pixel)
+        static constexpr bool kTurned = Cn == 3 && Sz == 4;
         const T* p;
         void load4(int x, Block& b) const {
             constexpr int NV = Shape<Cn, Sz>::kVecs;
@@ -312,6 +318,7 @@ struct SrcP {
     int step;
     struct Row {
         using Type = T;
+        static constexpr bool kTurned = false;
         const T* p[K];
         void load4(int x, Block& b) const {
             V in[1];
@@ -351,6 +358,7 @@ struct DstC {
     int step;
     struct Row {
         using Type = T;
+        static constexpr bool kTurned = Cn == 3 && Sz == 4;  // as the source's
         T* p;
         bool aligned() const { return (reinterpret_cast<uintptr_t>(p) & 15) == 0; }
         template <bool Aligned = false>
@@ -438,6 +446,7 @@ struct DstP {
     int step;
     struct Row {
         using Type = T;
+        static constexpr bool kTurned = false;
         T* p[K];
         bool aligned() const { return false; }
         template <bool Aligned = false>
@@ -504,6 +513,20 @@ struct KernelF {
                     for (int k = 0; k < 3; ++k) h[half][k] = DRow::pair(w0[k], w1[k]);
                 }
                 d.store16(x, h[0], h[1]);
+            }
+        }
+        static_assert(SRow::kTurned == DRow::kTurned, "both sides' blocks hold pixels in one lane order");
+        if constexpr (sizeof(typename SRow::Type) == 4 && sizeof(typename DRow::Type) == 4) {
+            // float rows: two blocks a step, so one block's divisions overlap the other's work
+            for (; x + 8 <= n; x += 8) {
+                Block b0, b1;
+                s.load4(x, b0);
+                s.load4(x + 4, b1);
+                V w0[3], w1[3];
+                VecForm::apply(b0.c, w0);
+                VecForm::apply(b1.c, w1);
+                d.template store4<Aligned>(x, w0, b0.fourth);
+                d.template store4<Aligned>(x + 4, w1, b1.fourth);
             }
         }
         for (; x < n; x += 4) {
