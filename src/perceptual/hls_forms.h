@@ -482,6 +482,44 @@ struct Inv {
     }
 };
 
+// ------------------------------------------------------------ inverse path 1 main on 16 pixels of bytes
+// The numbers of Inv1Main, four pixels at a time out of 16-byte channels.
+// Its hue positions come from 8-bit hues: Hd = H x hueIn8 lies on 0..360, and
+// no channel's position is exactly 60 or 180 (the nearest are some 0.7 away;
+// every hue goes through the exhaustive tests). So with u = min(t, 240 - t):
+// u above 60 is exactly the m2 branch; below it, t is on the rising edge (u =
+// t) or the falling one (u = 240 - t), and from 240 on u is at most 0, where
+// the edge at u = 0, (0 x d) x c60 + m1, is m1 itself (d and m1 are not
+// negative). One edge and one selection a channel.
+struct Inv1Main16 {
+    static VF ramp8(VF t, VF m1, VF m2, VF d) {
+        const VF u = minOf(t, 240.0f - t);
+        return pick(gt(u, 60.0f), m2, EdgeTD::at(_mm_max_ps(u, _mm_setzero_ps()), d, m1));
+    }
+
+    template <int J>
+    static void block(const V (&in)[3], V (&w)[3]) {
+        const VF hd = HueMul8::of(byteFloats<J>(in[0]));
+        const VF lf = UnitMul8::of(byteFloats<J>(in[1])), sf = UnitMul8::of(byteFloats<J>(in[2]));
+        const VF m2 = pick(le(lf, 0.5f), M2LowProduct::of(lf, sf), M2HighDiff::of(lf, sf));
+        const VF m1 = (lf + lf) - m2;
+        const VF d = m2 - m1;
+        w[0] = roundEven(ramp8(posR(hd), m1, m2, d) * 255.0f);
+        w[1] = roundEven(ramp8(hd, m1, m2, d) * 255.0f);
+        w[2] = roundEven(ramp8(posB(hd), m1, m2, d) * 255.0f);
+    }
+
+    static void apply(const V (&in)[3], V (&o)[3]) {
+        V w[4][3];
+        block<0>(in, w[0]);
+        block<1>(in, w[1]);
+        block<2>(in, w[2]);
+        block<3>(in, w[3]);
+        for (int k = 0; k < 3; ++k)
+            o[k] = _mm_packus_epi16(_mm_packs_epi32(w[0][k], w[1][k]), _mm_packs_epi32(w[2][k], w[3][k]));
+    }
+};
+
 // ------------------------------------------------------------ the paths
 // Forward (H, L, S out): main path, tail.
 using Fwd1Main = FwdMain<Scale8, Estimate, Nearest>;     // 8u RGB (Fwd1Main16: the same numbers on 16 pixels of bytes)
@@ -493,7 +531,7 @@ using Fwd3Main = FwdMainBgr;                             // 8u BGR
 using Fwd4 = FwdFloat;                                   // 32f (vector and scalar the same numbers)
 
 // Inverse (R, G, B out).
-using Inv1Main = Inv<HueMul8, UnitMul8, M2LowProduct, M2HighDiff, EdgeTD, Grey::Ramp, ToSample<255, Nearest>>;
+using Inv1Main = Inv<HueMul8, UnitMul8, M2LowProduct, M2HighDiff, EdgeTD, Grey::Ramp, ToSample<255, Nearest>>;  // Inv1Main16: 16 pixels
 using Inv1Tail = Inv<HueDiv8, UnitDiv8, M2LowScaled, M2HighSum, EdgeDiv, Grey::Level, ToSample<255, Trunc>>;
 using Inv2Main = Inv<HueMul16, UnitMul16, M2LowProduct, M2HighDiff, EdgeTC, Grey::Ramp, ToSample<65535, Nearest>>;
 using Inv2Tail = Inv<HueMul16, UnitMul16, M2LowProduct, M2HighSum, EdgeTC, Grey::Sample, ToSample<65535, Nearest>>;
