@@ -397,14 +397,16 @@ struct EdgeTC {  // ((u x c60) x d) + m1; c60 x t is the same
 
 // ramp(t): below 60 rising, below 180 m2, below 240 falling, else m1;
 // exactly 60, 180 and 240 belong to the branch above. min(t, 240 - t) is t
-// below 60 and 240 - t from 180 to 240, so one edge serves both branches (a
-// NaN t takes m1 either way).
+// below 60 and 240 - t from 180 to 240, so one edge serves both branches.
+// The lanes below 60 are among those below 180, so m2's are those below 180
+// and not below 60 (a NaN t is below nothing and takes m1).
+inline bool exceptIn(bool wide, bool narrow) { return wide != narrow; }
+inline VF exceptIn(VF wide, VF narrow) { return _mm_xor_ps(wide, narrow); }
+
 template <class Edge, class X>
 inline X ramp(X t, X m1, X m2, X d) {
     const X e = Edge::at(minOf(t, 240.0f - t), d, m1);
-    X v = pick(lt(t, 240.0f), e, m1);
-    v = pick(lt(t, 180.0f), m2, v);
-    return pick(lt(t, 60.0f), e, v);
+    return pick(exceptIn(lt(t, 180.0f), lt(t, 60.0f)), m2, pick(lt(t, 240.0f), e, m1));
 }
 
 // Hue positions of the three channels: R one third ahead (wrapped above 360),
