@@ -289,12 +289,23 @@ struct SrcC {
             kro::deinterleave3<4>(in, c);
             for (int k = 0; k < 3; ++k) ch[k] = c[Swap ? 2 - k : k];
         }
-        // The same 16 pixels with each channel's bytes in pixel order.
+        // 8u rows of three or four samples: 16 pixels, each colour channel's
+        // bytes in pixel order (a fourth channel is not read into them).
+        static constexpr bool kBytes16 = Sz == 1 && (Cn == 3 || Cn == 4);
         void loadBytes16(int x, V (&ch)[3]) const {
-            static_assert(kWide, "16-pixel loads of 8u rows of three samples");
-            V in[3], c[3];
-            kro::loadBytes<3, 16>(p + Cn * x, in);
-            kro::deinterleave3(in, c);
+            static_assert(kBytes16, "16-pixel loads of 8u rows");
+            V c[3];
+            if constexpr (Cn == 3) {
+                V in[3];
+                kro::loadBytes<3, 16>(p + Cn * x, in);
+                kro::deinterleave3(in, c);
+            } else {
+                V in[4];
+                kro::loadBytes<4, 16>(p + Cn * x, in);
+                Px px;
+                kro::deinterleave<4>(in, px);
+                for (int k = 0; k < 3; ++k) c[k] = px.c[k];
+            }
             for (int k = 0; k < 3; ++k) ch[k] = c[Swap ? 2 - k : k];
         }
         static void block(const V (&ch)[3], int j, VF (&c)[3]) {
@@ -319,6 +330,7 @@ struct SrcP {
     struct Row {
         using Type = T;
         static constexpr bool kTurned = false;
+        static constexpr bool kBytes16 = false;
         const T* p[K];
         void load4(int x, Block& b) const {
             V in[1];
@@ -418,14 +430,30 @@ struct DstC {
             kro::interleave3(ch, out);
             kro::storeBytes<3, 16>(p + Cn * x, out);
         }
-        // 16 pixels, each channel's bytes in pixel order.
+        // 8u rows of three samples, or of four whose fourth stays as it was:
+        // 16 pixels from each colour channel's bytes in pixel order. Four
+        // samples a pixel read the destination back for its fourth bytes.
+        static constexpr bool kBytes16 = Sz == 1 && (Cn == 3 || (Cn == 4 && F == Fourth::Keep));
         void storeBytes16(int x, const V (&c)[3]) const {
-            static_assert(kWide, "16-pixel stores of 8u rows of three samples");
-            V ch[3];
-            for (int k = 0; k < 3; ++k) ch[Swap ? 2 - k : k] = c[k];
-            V out[3];
-            kro::interleave3(ch, out);
-            kro::storeBytes<3, 16>(p + Cn * x, out);
+            static_assert(kBytes16, "16-pixel stores of 8u rows");
+            T* q = p + Cn * x;
+            if constexpr (Cn == 3) {
+                V ch[3];
+                for (int k = 0; k < 3; ++k) ch[Swap ? 2 - k : k] = c[k];
+                V out[3];
+                kro::interleave3(ch, out);
+                kro::storeBytes<3, 16>(q, out);
+            } else {
+                Px px;
+                for (int k = 0; k < 3; ++k) px.c[Swap ? 2 - k : k] = c[k];
+                px.c[3] = zero();
+                V out[4], old[4];
+                kro::interleave<4>(px, out);
+                kro::loadBytes<4, 16>(q, old);
+                const V fourth = _mm_set1_epi32(static_cast<int>(0xff000000u));
+                for (int v = 0; v < 4; ++v) out[v] = _mm_blendv_epi8(out[v], old[v], fourth);
+                kro::storeBytes<4, 16>(q, out);
+            }
         }
         void put(int x, const typename Sample<T>::Word (&o)[3], T fourth) const {
             T* q = p + Cn * x;
@@ -447,6 +475,7 @@ struct DstP {
     struct Row {
         using Type = T;
         static constexpr bool kTurned = false;
+        static constexpr bool kBytes16 = false;
         T* p[K];
         bool aligned() const { return false; }
         template <bool Aligned = false>
@@ -491,7 +520,7 @@ struct KernelF {
     static int mainPath(const SRow& s, const DRow& d, int width) {
         const int n = width & ~(B - 1);
         int x = 0;
-        if constexpr (!std::is_void_v<Bytes16> && Wide<SRow>::value && Wide<DRow>::value && !Aligned) {
+        if constexpr (!std::is_void_v<Bytes16> && SRow::kBytes16 && DRow::kBytes16 && !Aligned) {
             for (; x + 16 <= n; x += 16) {
                 V in[3], out[3];
                 s.loadBytes16(x, in);
