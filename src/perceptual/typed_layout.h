@@ -358,9 +358,8 @@ struct SrcP {
 };
 
 // ------------------------------------------------------------ interleaved destination
-// Keep on integer samples reads the destination's block back and rewrites the
-// fourth channel's bytes unchanged (the row must be readable); on 32f it
-// writes the three colour samples of each pixel alone.
+// Keep reads the destination's block back and rewrites the fourth channel's
+// samples unchanged (the row must be readable).
 template <class T, int Cn, bool Swap, Fourth F>
 struct DstC {
     static_assert((Cn == 3) == (F == Fourth::None), "three samples a pixel have no fourth channel");
@@ -390,12 +389,13 @@ struct DstC {
                 } else {
                     V px[4];
                     channelsToPixels<F == Fourth::FromSrc>(ch, px);
-                    // Keep: three samples a pixel written, the fourth untouched
+                    // Keep: the fourth sample read back and written as it was
                     for (int v = 0; v < 4; ++v) {
-                        if constexpr (F == Fourth::Keep)
-                            storeExact<12>(q + 4 * v, &px[v]);
-                        else
-                            storeExact<16>(q + 4 * v, &px[v]);
+                        if constexpr (F == Fourth::Keep) {
+                            const VF old = _mm_loadu_ps(reinterpret_cast<const float*>(q + 4 * v));
+                            px[v] = _mm_castps_si128(_mm_blend_ps(_mm_castsi128_ps(px[v]), old, 0x8));
+                        }
+                        storeExact<16>(q + 4 * v, &px[v]);
                     }
                 }
                 return;
