@@ -293,9 +293,10 @@ struct FwdTail {
 //    below s, or is the NaN or -inf that the comparisons leave to it;
 //  - the branch's operands are chosen first, (G, B) where mx is R, else
 //    (B, R) where mx is G, else (R, G), and ((a - b) x 60) / d divided once;
-//  - its offset is added to every lane: 120 for G, 240 for B and -0 for R,
-//    which leaves every number as it is (a -0 stays -0: R adds nothing);
-//  - a hue below 0 has 360 added, the others -0, again nothing.
+//  - one sum adds the offset and the turn: 120 for G, 240 for B; for R 360
+//    where q is below 0, else -0, which leaves every number as it is (a -0
+//    stays -0: R adds nothing). 120 + q and q + 240 are below 0 only where
+//    q is -inf (|a - b| is at most d), where the turn leaves -inf as it is.
 struct FwdFloat {
     static void apply(const VF (&in)[3], V (&o)[3]) {
         const VF R = in[0], G = in[1], B = in[2];
@@ -305,9 +306,9 @@ struct FwdFloat {
         const VF isR = eq(st.mx, R), isG = eq(st.mx, G);
         const VF a = pick(isR, G, pick(isG, B, R)), b = pick(isR, B, pick(isG, R, G));
         const VF q = ((a - b) * 60.0f) / st.d;
-        const VF hd = q + pick(isR, -0.0f, pick(isG, splat(120.0f), splat(240.0f)));
-        const VF wrapped = hd + pick(lt(hd, 0.0f), splat(360.0f), splat(-0.0f));
-        o[0] = AsFloat::of(zeroWhere(grey, wrapped / 360.0f));
+        const VF turn = pick(lt(q, 0.0f), splat(360.0f), splat(-0.0f));
+        const VF hd = q + pick(isR, turn, pick(isG, splat(120.0f), splat(240.0f)));
+        o[0] = AsFloat::of(zeroWhere(grey, hd / 360.0f));
         o[1] = AsFloat::of(st.Lf);
         o[2] = AsFloat::of(zeroWhere(grey, sf));
     }

@@ -170,23 +170,19 @@ inline T* rowAt(T* base, int step, int y) {
 }
 
 // ------------------------------------------------------------ four float pixels by lanes
-// Three samples a pixel: in = r0 g0 b0 r1 | g1 b1 r2 g2 | b2 r3 g3 b3. Each
-// channel sits at lanes of the three registers that do not overlap, so two
-// blends gather it; R comes out with its lanes holding pixels 0, 3, 2, 1, and
-// one lane shuffle each puts G and B in that order too. Every form works lane
-// by lane, so the results go back in the same order: channelsToFloats takes
-// channels whose lanes hold pixels 0, 3, 2, 1.
-// Four samples a pixel: a 4 x 4 transpose, lanes in pixel order.
+// Three samples a pixel: in = r0 g0 b0 r1 | g1 b1 r2 g2 | b2 r3 g3 b3. Two
+// lane shuffles pair G with B of pixels 0 and 1 and R with G of pixels 2 and
+// 3; three more take each channel out in pixel order.
+// Four samples a pixel: a 4 x 4 transpose.
 template <int Cn>
 inline void floatsToChannels(const V (&in)[Cn], V (&ch)[Cn]) {
     if constexpr (Cn == 3) {
         const VF a = _mm_castsi128_ps(in[0]), b = _mm_castsi128_ps(in[1]), c = _mm_castsi128_ps(in[2]);
-        const VF r = _mm_blend_ps(_mm_blend_ps(a, b, 0x4), c, 0x2);  // r0 r3 r2 r1
-        const VF g = _mm_blend_ps(_mm_blend_ps(b, a, 0x2), c, 0x4);  // g1 g0 g3 g2
-        const VF bl = _mm_blend_ps(_mm_blend_ps(c, b, 0x2), a, 0x4); // b2 b1 b0 b3
-        ch[0] = _mm_castps_si128(r);
-        ch[1] = _mm_shuffle_epi32(_mm_castps_si128(g), _MM_SHUFFLE(0, 3, 2, 1));   // g0 g3 g2 g1
-        ch[2] = _mm_shuffle_epi32(_mm_castps_si128(bl), _MM_SHUFFLE(1, 0, 3, 2));  // b0 b3 b2 b1
+        const VF gb = _mm_shuffle_ps(a, b, _MM_SHUFFLE(1, 0, 2, 1));  // g0 b0 g1 b1
+        const VF rg = _mm_shuffle_ps(b, c, _MM_SHUFFLE(2, 1, 3, 2));  // r2 g2 r3 g3
+        ch[0] = _mm_castps_si128(_mm_shuffle_ps(a, rg, _MM_SHUFFLE(2, 0, 3, 0)));   // r0 r1 r2 r3
+        ch[1] = _mm_castps_si128(_mm_shuffle_ps(gb, rg, _MM_SHUFFLE(3, 1, 2, 0)));  // g0 g1 g2 g3
+        ch[2] = _mm_castps_si128(_mm_shuffle_ps(gb, c, _MM_SHUFFLE(3, 0, 3, 1)));   // b0 b1 b2 b3
     } else {
         const VF p0 = _mm_castsi128_ps(in[0]), p1 = _mm_castsi128_ps(in[1]);
         const VF p2 = _mm_castsi128_ps(in[2]), p3 = _mm_castsi128_ps(in[3]);
@@ -199,14 +195,16 @@ inline void floatsToChannels(const V (&in)[Cn], V (&ch)[Cn]) {
     }
 }
 
-// Channels with lanes holding pixels 0, 3, 2, 1 back to three samples a pixel.
+// Three channels back to three samples a pixel: six lane shuffles, the
+// reverse of floatsToChannels.
 inline void channelsToFloats(const V (&ch)[4], V (&out)[3]) {
-    const VF r = _mm_castsi128_ps(ch[0]);                                              // r0 r3 r2 r1
-    const VF g = _mm_castsi128_ps(_mm_shuffle_epi32(ch[1], _MM_SHUFFLE(2, 1, 0, 3)));  // g1 g0 g3 g2
-    const VF b = _mm_castsi128_ps(_mm_shuffle_epi32(ch[2], _MM_SHUFFLE(1, 0, 3, 2)));  // b2 b1 b0 b3
-    out[0] = _mm_castps_si128(_mm_blend_ps(_mm_blend_ps(r, g, 0x2), b, 0x4));  // r0 g0 b0 r1
-    out[1] = _mm_castps_si128(_mm_blend_ps(_mm_blend_ps(g, b, 0x2), r, 0x4));  // g1 b1 r2 g2
-    out[2] = _mm_castps_si128(_mm_blend_ps(_mm_blend_ps(b, r, 0x2), g, 0x4));  // b2 r3 g3 b3
+    const VF r = _mm_castsi128_ps(ch[0]), g = _mm_castsi128_ps(ch[1]), b = _mm_castsi128_ps(ch[2]);
+    const VF rg = _mm_shuffle_ps(r, g, _MM_SHUFFLE(2, 0, 2, 0));  // r0 r2 g0 g2
+    const VF br = _mm_shuffle_ps(b, r, _MM_SHUFFLE(3, 1, 2, 0));  // b0 b2 r1 r3
+    const VF gb = _mm_shuffle_ps(g, b, _MM_SHUFFLE(3, 1, 3, 1));  // g1 g3 b1 b3
+    out[0] = _mm_castps_si128(_mm_shuffle_ps(rg, br, _MM_SHUFFLE(2, 0, 2, 0)));  // r0 g0 b0 r1
+    out[1] = _mm_castps_si128(_mm_shuffle_ps(gb, rg, _MM_SHUFFLE(3, 1, 2, 0)));  // g1 b1 r2 g2
+    out[2] = _mm_castps_si128(_mm_shuffle_ps(br, gb, _MM_SHUFFLE(3, 1, 3, 1)));  // b2 r3 g3 b3
 }
 
 // Pixel registers c0 c1 c2 c3; WithFourth false: lane 3 is a copy of c2, never stored.
@@ -250,8 +248,6 @@ struct SrcC {
     int step;
     struct Row {
         using Type = T;
-        // lanes of a block hold pixels 0, 3, 2, 1 (32f, three samples a pixel)
-        static constexpr bool kTurned = Cn == 3 && Sz == 4;
         const T* p;
         void load4(int x, Block& b) const {
             constexpr int NV = Shape<Cn, Sz>::kVecs;
@@ -329,7 +325,6 @@ struct SrcP {
     int step;
     struct Row {
         using Type = T;
-        static constexpr bool kTurned = false;
         static constexpr bool kBytes16 = false;
         const T* p[K];
         void load4(int x, Block& b) const {
@@ -369,7 +364,6 @@ struct DstC {
     int step;
     struct Row {
         using Type = T;
-        static constexpr bool kTurned = Cn == 3 && Sz == 4;  // as the source's
         T* p;
         bool aligned() const { return (reinterpret_cast<uintptr_t>(p) & 15) == 0; }
         template <bool Aligned = false>
@@ -474,7 +468,6 @@ struct DstP {
     int step;
     struct Row {
         using Type = T;
-        static constexpr bool kTurned = false;
         static constexpr bool kBytes16 = false;
         T* p[K];
         bool aligned() const { return false; }
@@ -544,7 +537,6 @@ struct KernelF {
                 d.store16(x, h[0], h[1]);
             }
         }
-        static_assert(SRow::kTurned == DRow::kTurned, "both sides' blocks hold pixels in one lane order");
         if constexpr (sizeof(typename SRow::Type) == 4 && sizeof(typename DRow::Type) == 4) {
             // float rows: two blocks a step, so one block's divisions overlap the other's work
             for (; x + 8 <= n; x += 8) {
