@@ -274,17 +274,6 @@ struct SrcC {
             for (int k = 0; k < 3; ++k) px.c[k] = Sample<T>::toFloat(q[Swap ? 2 - k : k]);
             px.fourth = Cn == 4 ? q[Cn - 1] : T{};
         }
-        // 8u, three samples a pixel: 16 pixels at once. load16 gathers each
-        // channel into one register (byte j of lane k is pixel 4j + k); block
-        // takes out pixels 4j..4j+3 as floats, the same as load4 at x + 4j.
-        static constexpr bool kWide = Cn == 3 && Sz == 1;
-        void load16(int x, V (&ch)[3]) const {
-            static_assert(kWide, "16-pixel loads of 8u rows of three samples");
-            V in[3], c[3];
-            kro::loadBytes<3, 16>(p + Cn * x, in);
-            kro::deinterleave3<4>(in, c);
-            for (int k = 0; k < 3; ++k) ch[k] = c[Swap ? 2 - k : k];
-        }
         // 8u rows of three or four samples: 16 pixels, each colour channel's
         // bytes in pixel order (a fourth channel is not read into them).
         static constexpr bool kBytes16 = Sz == 1 && (Cn == 3 || Cn == 4);
@@ -303,13 +292,6 @@ struct SrcC {
                 for (int k = 0; k < 3; ++k) c[k] = px.c[k];
             }
             for (int k = 0; k < 3; ++k) ch[k] = c[Swap ? 2 - k : k];
-        }
-        static void block(const V (&ch)[3], int j, VF (&c)[3]) {
-            const V low = _mm_set1_epi32(0xff);
-            for (int k = 0; k < 3; ++k) {
-                const V w = j == 3 ? _mm_srli_epi32(ch[k], 24) : _mm_and_si128(_mm_srli_epi32(ch[k], 8 * j), low);
-                c[k] = _mm_cvtepi32_ps(w);
-            }
         }
     };
     Row row(int y) const { return {rowAt(base, step, y)}; }
@@ -411,19 +393,6 @@ struct DstC {
             }
             storeExact<Shape<Cn, Sz>::kBytes, Aligned>(q, out);
         }
-        // 8u, three samples a pixel: 16 pixels at once. pair narrows the words
-        // of two blocks to 16-bit lanes, store16 the pairs of pixels 0..7 and
-        // 8..15 to bytes: the pack steps of narrow, two blocks at a time.
-        static constexpr bool kWide = Cn == 3 && Sz == 1;
-        static V pair(V a, V b) { return _mm_packs_epi32(a, b); }
-        void store16(int x, const V (&lo)[3], const V (&hi)[3]) const {
-            static_assert(kWide, "16-pixel stores of 8u rows of three samples");
-            V ch[3];
-            for (int k = 0; k < 3; ++k) ch[Swap ? 2 - k : k] = _mm_packus_epi16(lo[k], hi[k]);
-            V out[3];
-            kro::interleave3(ch, out);
-            kro::storeBytes<3, 16>(p + Cn * x, out);
-        }
         // 8u rows of three samples, or of four whose fourth stays as it was:
         // 16 pixels from each colour channel's bytes in pixel order. Four
         // samples a pixel read the destination back for its fourth bytes.
@@ -497,17 +466,11 @@ struct DstP {
 // ByAlignment: rows whose destination is 16-byte aligned store whole registers
 // with aligned stores (same bytes as the general sequence).
 // Bytes16: a form on 16 pixels of bytes (three channel registers in, three
-// out) with the numbers of VecForm; where both sides move 8u rows of three
-// samples, it takes the main path 16 pixels at a time.
+// out) with the numbers of VecForm; where both sides move 8u rows of three or
+// four samples, it takes the main path 16 pixels at a time.
 template <int B, class VecForm, class TailForm, bool ByAlignment = false, class Bytes16 = void>
 struct KernelF {
     static_assert(B == 1 || B == 4 || B == 8, "blocks of 4 or 8 pixels, or scalar only");
-
-    // Both sides move 16 pixels at once (8u rows of three samples).
-    template <class R, class = void>
-    struct Wide : std::false_type {};
-    template <class R>
-    struct Wide<R, std::void_t<decltype(R::kWide)>> : std::bool_constant<R::kWide> {};
 
     template <bool Aligned, class SRow, class DRow>
     static int mainPath(const SRow& s, const DRow& d, int width) {
@@ -519,22 +482,6 @@ struct KernelF {
                 s.loadBytes16(x, in);
                 Bytes16::apply(in, out);
                 d.storeBytes16(x, out);
-            }
-        } else if constexpr (Wide<SRow>::value && Wide<DRow>::value && !Aligned) {
-            for (; x + 16 <= n; x += 16) {
-                V ch[3];
-                s.load16(x, ch);
-                V h[2][3];
-                for (int half = 0; half < 2; ++half) {
-                    VF c[3];
-                    V w0[3], w1[3];
-                    SRow::block(ch, 2 * half, c);
-                    VecForm::apply(c, w0);
-                    SRow::block(ch, 2 * half + 1, c);
-                    VecForm::apply(c, w1);
-                    for (int k = 0; k < 3; ++k) h[half][k] = DRow::pair(w0[k], w1[k]);
-                }
-                d.store16(x, h[0], h[1]);
             }
         }
         if constexpr (sizeof(typename SRow::Type) == 4 && sizeof(typename DRow::Type) == 4) {
