@@ -199,23 +199,23 @@ inline VF byteFloats(V v) { return _mm_cvtepi32_ps(byteLanes<J>(v)); }
 //  - mx, mn and d; L = (mx + mn) / 2 to nearest, ties to even: the average
 //    rounded up, less one where the sum is odd and that average is odd;
 //  - the saturation's denominator, mx + mn up to 255, else 510 - (mx + mn) =
-//    (255 - mx) + (255 - mn): the smaller of the two sums saturated at 255;
+//    (255 - mx) + (255 - mn): the smaller of the two sums saturated at 255
+//    (at least 1 wherever d is not 0);
 //  - the hue's difference as its two operands, (G, B) where mx is R, else
 //    (B, R) where mx is G, else (R, G), and its offset in steps of 120
 //    degrees: 1 for G, 2 for B; for R 3 (the turn added) where G < B, else 0.
 // The float lanes then take, four pixels at a time, S = (estimate(den) x d) x 255
 // and H = (((a - b) x (estimate(d) x 60)) + offset) x hueOut8, where R's
 // offset 0 is exact and 360 is the wrap of a negative hue.
-// Achromatic pixels (d = 0) need no mask: their estimate(d) is infinite and
-// a - b is 0, so H is NaN, as is S where den is 0 (black and white); a NaN
-// converts to the integer 0x80000000, which the pack steps saturate to 0, the
-// H and S of an achromatic pixel. Other achromatic S are finite x 0 = 0.
+// Achromatic pixels (d = 0) take their reciprocals of at least 1 (den of
+// black and white is 0, and d itself): finite numbers times d = 0 and a - b
+// = 0 give their S and H of 0, with no infinity or NaN on the way.
 struct Fwd1Main16 {
     template <int J>
     static void block(V d, V den, V a, V b, V turn, V& h, V& s) {
         const VF df = byteFloats<J>(d);
         s = roundEven((estimate(byteFloats<J>(den)) * df) * 255.0f);
-        const VF k = estimate(df) * 60.0f;
+        const VF k = estimate(_mm_max_ps(df, splat(1.0f))) * 60.0f;
         const VF diff = _mm_cvtepi32_ps(_mm_sub_epi32(byteLanes<J>(a), byteLanes<J>(b)));
         h = roundEven(((diff * k) + byteFloats<J>(turn) * 120.0f) * kHueOut8);
     }
@@ -227,8 +227,9 @@ struct Fwd1Main16 {
         const V one = _mm_set1_epi8(1), ones = _mm_set1_epi8(-1);
         const V up = _mm_avg_epu8(mx, mn);
         const V L = _mm_sub_epi8(up, _mm_and_si128(_mm_and_si128(_mm_xor_si128(mx, mn), up), one));
-        const V den = _mm_min_epu8(_mm_adds_epu8(mx, mn),
-                                   _mm_adds_epu8(_mm_xor_si128(mx, ones), _mm_xor_si128(mn, ones)));
+        const V den = _mm_max_epu8(_mm_min_epu8(_mm_adds_epu8(mx, mn),
+                                                _mm_adds_epu8(_mm_xor_si128(mx, ones), _mm_xor_si128(mn, ones))),
+                                   one);
         const V isR = _mm_cmpeq_epi8(mx, R), isG = _mm_cmpeq_epi8(mx, G);
         const V a = _mm_blendv_epi8(_mm_blendv_epi8(R, B, isG), G, isR);
         const V b = _mm_blendv_epi8(_mm_blendv_epi8(G, R, isG), B, isR);
