@@ -4,6 +4,7 @@
 // sweeps of the 8-bit forms, the model's identities and the stated values.
 #include <gtest/gtest.h>
 
+#include <cfenv>
 #include <cmath>
 #include <functional>
 #include <string>
@@ -527,6 +528,26 @@ TEST(HlsIdentity, AchromaticForward) {
         const auto o8 = runRow(kroiRGBToHLS_8u_C3R, b, 3);
         for (int i = 0; i < width; ++i) EXPECT_EQ(o8[3 * i] + o8[3 * i + 2], 0);
     }
+}
+
+// 8-bit samples meet no infinity or NaN on any path: black, white, grey and
+// pure hues, 16-pixel steps and tails, raise no floating-point exception.
+TEST(HlsIdentity, EightBitRaisesNoFloatException) {
+    std::vector<Kro8u> c3, c4;
+    for (int i = 0; i < 37; ++i) {
+        const int v = i % 4 == 0 ? 0 : i % 4 == 1 ? 255 : 7 * i;
+        for (int k = 0; k < 4; ++k) {
+            const Kro8u s = Kro8u(i % 4 == 3 ? (k == i % 3 ? 255 : 0) : v);
+            if (k < 3) c3.push_back(s);
+            c4.push_back(s);
+        }
+    }
+    std::feclearexcept(FE_ALL_EXCEPT);
+    runRow(kroiRGBToHLS_8u_C3R, c3, 3);
+    runRow(kroiRGBToHLS_8u_AC4R, c4, 4);
+    runRow(kroiHLSToRGB_8u_C3R, c3, 3);
+    runRow(kroiHLSToRGB_8u_AC4R, c4, 4);
+    EXPECT_EQ(std::fetestexcept(FE_INVALID | FE_DIVBYZERO | FE_OVERFLOW), 0);
 }
 
 Out3 at8(KroStatus (*f)(const Kro8u*, int, Kro8u*, int, kroiSize), int width, int x, int a, int b, int c) {

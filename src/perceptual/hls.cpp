@@ -49,14 +49,14 @@ using OutBgrP3 = DstP<u8, 3, true>;
 using OutBgrP4 = DstP<u8, 4, true>;
 
 // ------------------------------------------------------------ kernels
-using RgbToHls8C3 = KernelF<8, Fwd1Main, Fwd1Tail>;
-using RgbToHls8AC4 = KernelF<4, Fwd1Main, Fwd1TailNearest>;
+using RgbToHls8C3 = KernelF<8, Fwd1Main, Fwd1Tail, false, Fwd1Main16>;
+using RgbToHls8AC4 = KernelF<4, Fwd1Main, Fwd1TailNearest, false, Fwd1Main16>;
 using RgbToHls16 = KernelF<4, Fwd2Main, Fwd2Tail>;
 using RgbToHls32f = KernelF<4, Fwd4, Fwd4>;  // one per-pixel form, four lanes at a time
 using BgrToHls8 = KernelF<4, Fwd3Main, Fwd1Tail>;
 using BgrToHls8ByAlignment = KernelF<4, Fwd3Main, Fwd1Tail, true>;
-using HlsToRgb8C3 = KernelF<8, Inv1Main, Inv1Tail>;
-using HlsToRgb8AC4 = KernelF<4, Inv1Main, Inv1Tail>;
+using HlsToRgb8C3 = KernelF<8, Inv1Main, Inv1Tail, false, Inv1Main16>;
+using HlsToRgb8AC4 = KernelF<4, Inv1Main, Inv1Tail, false, Inv1Main16>;
 using HlsToRgb16 = KernelF<4, Inv2Main, Inv2Tail>;
 using HlsToRgb32f = KernelF<4, Inv4Main, Inv4Tail>;
 using HlsToBgr8 = KernelF<4, Inv3Main, Inv3Tail>;

@@ -57,6 +57,8 @@ inline VF pick(VF m, VF a, float b) { return _mm_blendv_ps(splat(b), a, m); }
 inline float zeroWhere(bool m, float a) { return m ? 0.0f : a; }
 inline VF zeroWhere(VF m, VF a) { return _mm_andnot_ps(m, a); }
 
+inline float minOf(float a, float b) { return a < b ? a : b; }
+inline VF minOf(VF a, VF b) { return _mm_min_ps(a, b); }  // a < b ? a : b
 inline float max3(float a, float b, float c) {
     const float m = a > b ? a : b;
     return m > c ? m : c;
@@ -183,6 +185,68 @@ struct FwdMain {
     }
 };
 
+// Bytes of pixels 4j .. 4j + 3 of a 16-byte channel, one a 32-bit lane.
+template <int J>
+inline V byteLanes(V v) {
+    constexpr char o = static_cast<char>(4 * J), z = -1;
+    return _mm_shuffle_epi8(v, _mm_setr_epi8(o, z, z, z, o + 1, z, z, z, o + 2, z, z, z, o + 3, z, z, z));
+}
+template <int J>
+inline VF byteFloats(V v) { return _mm_cvtepi32_ps(byteLanes<J>(v)); }
+
+// Path 1 main on 16 pixels of bytes (8u RGB): the numbers of Fwd1Main. What is
+// exact on integers is taken in bytes, sixteen pixels an instruction:
+//  - mx, mn and d; L = (mx + mn) / 2 to nearest, ties to even: the average
+//    rounded up, less one where the sum is odd and that average is odd;
+//  - the saturation's denominator, mx + mn up to 255, else 510 - (mx + mn) =
+//    (255 - mx) + (255 - mn): the smaller of the two sums saturated at 255
+//    (at least 1 wherever d is not 0);
+//  - the hue's difference as its two operands, (G, B) where mx is R, else
+//    (B, R) where mx is G, else (R, G), and its offset in steps of 120
+//    degrees: 1 for G, 2 for B; for R 3 (the turn added) where G < B, else 0.
+// The float lanes then take, four pixels at a time, S = (estimate(den) x d) x 255
+// and H = (((a - b) x (estimate(d) x 60)) + offset) x hueOut8, where R's
+// offset 0 is exact and 360 is the wrap of a negative hue.
+// Achromatic pixels (d = 0) take their reciprocals of at least 1 (den of
+// black and white is 0, and d itself): finite numbers times d = 0 and a - b
+// = 0 give their S and H of 0, with no infinity or NaN on the way.
+struct Fwd1Main16 {
+    template <int J>
+    static void block(V d, V den, V a, V b, V turn, V& h, V& s) {
+        const VF df = byteFloats<J>(d);
+        s = roundEven((estimate(byteFloats<J>(den)) * df) * 255.0f);
+        const VF k = estimate(_mm_max_ps(df, splat(1.0f))) * 60.0f;
+        const VF diff = _mm_cvtepi32_ps(_mm_sub_epi32(byteLanes<J>(a), byteLanes<J>(b)));
+        h = roundEven(((diff * k) + byteFloats<J>(turn) * 120.0f) * kHueOut8);
+    }
+
+    static void apply(const V (&in)[3], V (&o)[3]) {
+        const V R = in[0], G = in[1], B = in[2];
+        const V mx = _mm_max_epu8(_mm_max_epu8(R, G), B), mn = _mm_min_epu8(_mm_min_epu8(R, G), B);
+        const V d = _mm_sub_epi8(mx, mn);
+        const V one = _mm_set1_epi8(1), ones = _mm_set1_epi8(-1);
+        const V up = _mm_avg_epu8(mx, mn);
+        const V L = _mm_sub_epi8(up, _mm_and_si128(_mm_and_si128(_mm_xor_si128(mx, mn), up), one));
+        const V den = _mm_max_epu8(_mm_min_epu8(_mm_adds_epu8(mx, mn),
+                                                _mm_adds_epu8(_mm_xor_si128(mx, ones), _mm_xor_si128(mn, ones))),
+                                   one);
+        const V isR = _mm_cmpeq_epi8(mx, R), isG = _mm_cmpeq_epi8(mx, G);
+        const V a = _mm_blendv_epi8(_mm_blendv_epi8(R, B, isG), G, isR);
+        const V b = _mm_blendv_epi8(_mm_blendv_epi8(G, R, isG), B, isR);
+        const V aNotBelow = _mm_cmpeq_epi8(_mm_subs_epu8(b, a), zero());
+        const V turn = _mm_blendv_epi8(_mm_blendv_epi8(_mm_set1_epi8(2), one, isG),
+                                       _mm_andnot_si128(aNotBelow, _mm_set1_epi8(3)), isR);
+        V h[4], s[4];
+        block<0>(d, den, a, b, turn, h[0], s[0]);
+        block<1>(d, den, a, b, turn, h[1], s[1]);
+        block<2>(d, den, a, b, turn, h[2], s[2]);
+        block<3>(d, den, a, b, turn, h[3], s[3]);
+        o[0] = _mm_packus_epi16(_mm_packs_epi32(h[0], h[1]), _mm_packs_epi32(h[2], h[3]));
+        o[1] = L;
+        o[2] = _mm_packus_epi16(_mm_packs_epi32(s[0], s[1]), _mm_packs_epi32(s[2], s[3]));
+    }
+};
+
 // Path 3 main (8u BGR): an achromatic lane has 0.5 added to d and s before
 // the (unrefined) reciprocals; truncated.
 struct FwdMainBgr {
@@ -223,20 +287,29 @@ struct FwdTail {
 // ------------------------------------------------------------ forward, 32f
 // True division; achromatic when d is at most 2^-23; no clamp. The row is one
 // loop of this per-pixel form; four pixels go through the vector version at
-// once, which takes the same divisions of the same operands (the branch's
-// numerator and denominator are chosen first, then divided once), so every
-// lane holds the scalar form's bits, NaN and signed zeros included.
+// once, which takes the same divisions of the same operands, so every lane
+// holds the scalar form's bits, NaN and signed zeros included:
+//  - S's denominator is min(s, 2 - s): s where Lf = 0.5 s is at most 0.5
+//    (s at most 1, where 2 - s is at least s), else 2 - s, which is then
+//    below s, or is the NaN or -inf that the comparisons leave to it;
+//  - the branch's operands are chosen first, (G, B) where mx is R, else
+//    (B, R) where mx is G, else (R, G), and ((a - b) x 60) / d divided once;
+//  - one sum adds the offset and the turn: 120 for G, 240 for B; for R 360
+//    where q is below 0, else -0, which leaves every number as it is (a -0
+//    stays -0: R adds nothing). 120 + q and q + 240 are below 0 only where
+//    q is -inf (|a - b| is at most d), where the turn leaves -inf as it is.
 struct FwdFloat {
     static void apply(const VF (&in)[3], V (&o)[3]) {
         const VF R = in[0], G = in[1], B = in[2];
         const auto st = start(R, G, B);
         const VF grey = le(st.d, kEps32);
-        const VF sf = st.d / pick(le(st.Lf, 0.5f), st.s, 2.0f - st.s);
+        const VF sf = st.d / minOf(st.s, 2.0f - st.s);
         const VF isR = eq(st.mx, R), isG = eq(st.mx, G);
-        const VF q = byDominant(st.mx, R, G, (G - B) * 60.0f, (B - R) * 60.0f, (R - G) * 60.0f) / st.d;
-        // R: q itself (no offset added, so a -0 stays -0); G: 120 + q; B: q + 240
-        const VF hd = pick(isR, q, pick(isG, 120.0f + q, q + 240.0f));
-        o[0] = AsFloat::of(zeroWhere(grey, wrapHue(hd) / 360.0f));
+        const VF a = pick(isR, G, pick(isG, B, R)), b = pick(isR, B, pick(isG, R, G));
+        const VF q = ((a - b) * 60.0f) / st.d;
+        const VF turn = pick(lt(q, 0.0f), splat(360.0f), splat(-0.0f));
+        const VF hd = q + pick(isR, turn, pick(isG, splat(120.0f), splat(240.0f)));
+        o[0] = AsFloat::of(zeroWhere(grey, hd / 360.0f));
         o[1] = AsFloat::of(st.Lf);
         o[2] = AsFloat::of(zeroWhere(grey, sf));
     }
@@ -308,33 +381,34 @@ struct M2HighSum {  // (L + S) - (S x L); the same numbers as (S + L) - (L x S)
     static X of(X L, X S) { return (L + S) - (S * L); }
 };
 
-// Rising and falling edges of the ramp between m1 and m2 (d = m2 - m1).
-struct EdgeTD {  // ((t x d) x c60) + m1, (((240 - t) x d) x c60) + m1
+// Rising and falling edges of the ramp between m1 and m2 (d = m2 - m1), as
+// one function of the distance u from the ramp's foot: u = t on the rising
+// edge, u = 240 - t on the falling one.
+struct EdgeTD {  // ((u x d) x c60) + m1
     template <class X>
-    static X rise(X t, X d, X m1) { return ((t * d) * kC60) + m1; }
-    template <class X>
-    static X fall(X t, X d, X m1) { return (((240.0f - t) * d) * kC60) + m1; }
+    static X at(X u, X d, X m1) { return ((u * d) * kC60) + m1; }
 };
-struct EdgeDiv {  // ((d x t) / 60) + m1, ((d x (240 - t)) / 60) + m1
+struct EdgeDiv {  // ((d x u) / 60) + m1
     template <class X>
-    static X rise(X t, X d, X m1) { return ((d * t) / 60.0f) + m1; }
-    template <class X>
-    static X fall(X t, X d, X m1) { return ((d * (240.0f - t)) / 60.0f) + m1; }
+    static X at(X u, X d, X m1) { return ((d * u) / 60.0f) + m1; }
 };
-struct EdgeTC {  // ((t x c60) x d) + m1, (((240 - t) x c60) x d) + m1; c60 x t is the same
+struct EdgeTC {  // ((u x c60) x d) + m1; c60 x t is the same
     template <class X>
-    static X rise(X t, X d, X m1) { return ((t * kC60) * d) + m1; }
-    template <class X>
-    static X fall(X t, X d, X m1) { return (((240.0f - t) * kC60) * d) + m1; }
+    static X at(X u, X d, X m1) { return ((u * kC60) * d) + m1; }
 };
 
 // ramp(t): below 60 rising, below 180 m2, below 240 falling, else m1;
-// exactly 60, 180 and 240 belong to the branch above.
+// exactly 60, 180 and 240 belong to the branch above. min(t, 240 - t) is t
+// below 60 and 240 - t from 180 to 240, so one edge serves both branches.
+// The lanes below 60 are among those below 180, so m2's are those below 180
+// and not below 60 (a NaN t is below nothing and takes m1).
+inline bool exceptIn(bool wide, bool narrow) { return wide != narrow; }
+inline VF exceptIn(VF wide, VF narrow) { return _mm_xor_ps(wide, narrow); }
+
 template <class Edge, class X>
 inline X ramp(X t, X m1, X m2, X d) {
-    X v = pick(lt(t, 240.0f), Edge::fall(t, d, m1), m1);
-    v = pick(lt(t, 180.0f), m2, v);
-    return pick(lt(t, 60.0f), Edge::rise(t, d, m1), v);
+    const X e = Edge::at(minOf(t, 240.0f - t), d, m1);
+    return pick(exceptIn(lt(t, 180.0f), lt(t, 60.0f)), m2, pick(lt(t, 240.0f), e, m1));
 }
 
 // Hue positions of the three channels: R one third ahead (wrapped above 360),
@@ -412,9 +486,47 @@ struct Inv {
     }
 };
 
+// ------------------------------------------------------------ inverse path 1 main on 16 pixels of bytes
+// The numbers of Inv1Main, four pixels at a time out of 16-byte channels.
+// Its hue positions come from 8-bit hues: Hd = H x hueIn8 lies on 0..360, and
+// no channel's position is exactly 60 or 180 (the nearest are some 0.7 away;
+// every hue goes through the exhaustive tests). So with u = min(t, 240 - t):
+// u above 60 is exactly the m2 branch; below it, t is on the rising edge (u =
+// t) or the falling one (u = 240 - t), and from 240 on u is at most 0, where
+// the edge at u = 0, (0 x d) x c60 + m1, is m1 itself (d and m1 are not
+// negative). One edge and one selection a channel.
+struct Inv1Main16 {
+    static VF ramp8(VF t, VF m1, VF m2, VF d) {
+        const VF u = minOf(t, 240.0f - t);
+        return pick(gt(u, 60.0f), m2, EdgeTD::at(_mm_max_ps(u, _mm_setzero_ps()), d, m1));
+    }
+
+    template <int J>
+    static void block(const V (&in)[3], V (&w)[3]) {
+        const VF hd = HueMul8::of(byteFloats<J>(in[0]));
+        const VF lf = UnitMul8::of(byteFloats<J>(in[1])), sf = UnitMul8::of(byteFloats<J>(in[2]));
+        const VF m2 = pick(le(lf, 0.5f), M2LowProduct::of(lf, sf), M2HighDiff::of(lf, sf));
+        const VF m1 = (lf + lf) - m2;
+        const VF d = m2 - m1;
+        w[0] = roundEven(ramp8(posR(hd), m1, m2, d) * 255.0f);
+        w[1] = roundEven(ramp8(hd, m1, m2, d) * 255.0f);
+        w[2] = roundEven(ramp8(posB(hd), m1, m2, d) * 255.0f);
+    }
+
+    static void apply(const V (&in)[3], V (&o)[3]) {
+        V w[4][3];
+        block<0>(in, w[0]);
+        block<1>(in, w[1]);
+        block<2>(in, w[2]);
+        block<3>(in, w[3]);
+        for (int k = 0; k < 3; ++k)
+            o[k] = _mm_packus_epi16(_mm_packs_epi32(w[0][k], w[1][k]), _mm_packs_epi32(w[2][k], w[3][k]));
+    }
+};
+
 // ------------------------------------------------------------ the paths
 // Forward (H, L, S out): main path, tail.
-using Fwd1Main = FwdMain<Scale8, Estimate, Nearest>;     // 8u RGB
+using Fwd1Main = FwdMain<Scale8, Estimate, Nearest>;     // 8u RGB (Fwd1Main16: the same numbers on 16 pixels of bytes)
 using Fwd1Tail = FwdTail<Scale8, Trunc>;                 // 8u RGB C3, 8u BGR
 using Fwd1TailNearest = FwdTail<Scale8, Nearest>;        // 8u RGB AC4
 using Fwd2Main = FwdMain<Scale16, Refined, Nearest>;     // 16u, 16s
@@ -423,7 +535,7 @@ using Fwd3Main = FwdMainBgr;                             // 8u BGR
 using Fwd4 = FwdFloat;                                   // 32f (vector and scalar the same numbers)
 
 // Inverse (R, G, B out).
-using Inv1Main = Inv<HueMul8, UnitMul8, M2LowProduct, M2HighDiff, EdgeTD, Grey::Ramp, ToSample<255, Nearest>>;
+using Inv1Main = Inv<HueMul8, UnitMul8, M2LowProduct, M2HighDiff, EdgeTD, Grey::Ramp, ToSample<255, Nearest>>;  // Inv1Main16: 16 pixels
 using Inv1Tail = Inv<HueDiv8, UnitDiv8, M2LowScaled, M2HighSum, EdgeDiv, Grey::Level, ToSample<255, Trunc>>;
 using Inv2Main = Inv<HueMul16, UnitMul16, M2LowProduct, M2HighDiff, EdgeTC, Grey::Ramp, ToSample<65535, Nearest>>;
 using Inv2Tail = Inv<HueMul16, UnitMul16, M2LowProduct, M2HighSum, EdgeTC, Grey::Sample, ToSample<65535, Nearest>>;

@@ -170,20 +170,19 @@ inline T* rowAt(T* base, int step, int y) {
 }
 
 // ------------------------------------------------------------ four float pixels by lanes
-// Three samples a pixel: in = r0 g0 b0 r1 | g1 b1 r2 g2 | b2 r3 g3 b3. Each
-// channel sits at lanes of the three registers that do not overlap, so two
-// blends and one lane shuffle gather it; the reverse to interleave.
+// Three samples a pixel: in = r0 g0 b0 r1 | g1 b1 r2 g2 | b2 r3 g3 b3. Two
+// lane shuffles pair G with B of pixels 0 and 1 and R with G of pixels 2 and
+// 3; three more take each channel out in pixel order.
 // Four samples a pixel: a 4 x 4 transpose.
 template <int Cn>
 inline void floatsToChannels(const V (&in)[Cn], V (&ch)[Cn]) {
     if constexpr (Cn == 3) {
         const VF a = _mm_castsi128_ps(in[0]), b = _mm_castsi128_ps(in[1]), c = _mm_castsi128_ps(in[2]);
-        const VF r = _mm_blend_ps(_mm_blend_ps(a, b, 0x4), c, 0x2);  // r0 r3 r2 r1
-        const VF g = _mm_blend_ps(_mm_blend_ps(b, a, 0x2), c, 0x4);  // g1 g0 g3 g2
-        const VF bl = _mm_blend_ps(_mm_blend_ps(c, b, 0x2), a, 0x4); // b2 b1 b0 b3
-        ch[0] = _mm_shuffle_epi32(_mm_castps_si128(r), _MM_SHUFFLE(1, 2, 3, 0));
-        ch[1] = _mm_shuffle_epi32(_mm_castps_si128(g), _MM_SHUFFLE(2, 3, 0, 1));
-        ch[2] = _mm_shuffle_epi32(_mm_castps_si128(bl), _MM_SHUFFLE(3, 0, 1, 2));
+        const VF gb = _mm_shuffle_ps(a, b, _MM_SHUFFLE(1, 0, 2, 1));  // g0 b0 g1 b1
+        const VF rg = _mm_shuffle_ps(b, c, _MM_SHUFFLE(2, 1, 3, 2));  // r2 g2 r3 g3
+        ch[0] = _mm_castps_si128(_mm_shuffle_ps(a, rg, _MM_SHUFFLE(2, 0, 3, 0)));   // r0 r1 r2 r3
+        ch[1] = _mm_castps_si128(_mm_shuffle_ps(gb, rg, _MM_SHUFFLE(3, 1, 2, 0)));  // g0 g1 g2 g3
+        ch[2] = _mm_castps_si128(_mm_shuffle_ps(gb, c, _MM_SHUFFLE(3, 0, 3, 1)));   // b0 b1 b2 b3
     } else {
         const VF p0 = _mm_castsi128_ps(in[0]), p1 = _mm_castsi128_ps(in[1]);
         const VF p2 = _mm_castsi128_ps(in[2]), p3 = _mm_castsi128_ps(in[3]);
@@ -196,13 +195,16 @@ inline void floatsToChannels(const V (&in)[Cn], V (&ch)[Cn]) {
     }
 }
 
+// Three channels back to three samples a pixel: six lane shuffles, the
+// reverse of floatsToChannels.
 inline void channelsToFloats(const V (&ch)[4], V (&out)[3]) {
-    const VF r = _mm_castsi128_ps(_mm_shuffle_epi32(ch[0], _MM_SHUFFLE(1, 2, 3, 0)));  // r0 r3 r2 r1
-    const VF g = _mm_castsi128_ps(_mm_shuffle_epi32(ch[1], _MM_SHUFFLE(2, 3, 0, 1)));  // g1 g0 g3 g2
-    const VF b = _mm_castsi128_ps(_mm_shuffle_epi32(ch[2], _MM_SHUFFLE(3, 0, 1, 2)));  // b2 b1 b0 b3
-    out[0] = _mm_castps_si128(_mm_blend_ps(_mm_blend_ps(r, g, 0x2), b, 0x4));  // r0 g0 b0 r1
-    out[1] = _mm_castps_si128(_mm_blend_ps(_mm_blend_ps(g, b, 0x2), r, 0x4));  // g1 b1 r2 g2
-    out[2] = _mm_castps_si128(_mm_blend_ps(_mm_blend_ps(b, r, 0x2), g, 0x4));  // b2 r3 g3 b3
+    const VF r = _mm_castsi128_ps(ch[0]), g = _mm_castsi128_ps(ch[1]), b = _mm_castsi128_ps(ch[2]);
+    const VF rg = _mm_shuffle_ps(r, g, _MM_SHUFFLE(2, 0, 2, 0));  // r0 r2 g0 g2
+    const VF br = _mm_shuffle_ps(b, r, _MM_SHUFFLE(3, 1, 2, 0));  // b0 b2 r1 r3
+    const VF gb = _mm_shuffle_ps(g, b, _MM_SHUFFLE(3, 1, 3, 1));  // g1 g3 b1 b3
+    out[0] = _mm_castps_si128(_mm_shuffle_ps(rg, br, _MM_SHUFFLE(2, 0, 2, 0)));  // r0 g0 b0 r1
+    out[1] = _mm_castps_si128(_mm_shuffle_ps(gb, rg, _MM_SHUFFLE(3, 1, 2, 0)));  // g1 b1 r2 g2
+    out[2] = _mm_castps_si128(_mm_shuffle_ps(br, gb, _MM_SHUFFLE(3, 1, 3, 1)));  // b2 r3 g3 b3
 }
 
 // Pixel registers c0 c1 c2 c3; WithFourth false: lane 3 is a copy of c2, never stored.
@@ -272,23 +274,24 @@ struct SrcC {
             for (int k = 0; k < 3; ++k) px.c[k] = Sample<T>::toFloat(q[Swap ? 2 - k : k]);
             px.fourth = Cn == 4 ? q[Cn - 1] : T{};
         }
-        // 8u, three samples a pixel: 16 pixels at once. load16 gathers each
-        // channel into one register (byte j of lane k is pixel 4j + k); block
-        // takes out pixels 4j..4j+3 as floats, the same as load4 at x + 4j.
-        static constexpr bool kWide = Cn == 3 && Sz == 1;
-        void load16(int x, V (&ch)[3]) const {
-            static_assert(kWide, "16-pixel loads of 8u rows of three samples");
-            V in[3], c[3];
-            kro::loadBytes<3, 16>(p + Cn * x, in);
-            kro::deinterleave3<4>(in, c);
-            for (int k = 0; k < 3; ++k) ch[k] = c[Swap ? 2 - k : k];
-        }
-        static void block(const V (&ch)[3], int j, VF (&c)[3]) {
-            const V low = _mm_set1_epi32(0xff);
-            for (int k = 0; k < 3; ++k) {
-                const V w = j == 3 ? _mm_srli_epi32(ch[k], 24) : _mm_and_si128(_mm_srli_epi32(ch[k], 8 * j), low);
-                c[k] = _mm_cvtepi32_ps(w);
+        // 8u rows of three or four samples: 16 pixels, each colour channel's
+        // bytes in pixel order (a fourth channel is not read into them).
+        static constexpr bool kBytes16 = Sz == 1 && (Cn == 3 || Cn == 4);
+        void loadBytes16(int x, V (&ch)[3]) const {
+            static_assert(kBytes16, "16-pixel loads of 8u rows");
+            V c[3];
+            if constexpr (Cn == 3) {
+                V in[3];
+                kro::loadBytes<3, 16>(p + Cn * x, in);
+                kro::deinterleave3(in, c);
+            } else {
+                V in[4];
+                kro::loadBytes<4, 16>(p + Cn * x, in);
+                Px px;
+                kro::deinterleave<4>(in, px);
+                for (int k = 0; k < 3; ++k) c[k] = px.c[k];
             }
+            for (int k = 0; k < 3; ++k) ch[k] = c[Swap ? 2 - k : k];
         }
     };
     Row row(int y) const { return {rowAt(base, step, y)}; }
@@ -304,6 +307,7 @@ struct SrcP {
     int step;
     struct Row {
         using Type = T;
+        static constexpr bool kBytes16 = false;
         const T* p[K];
         void load4(int x, Block& b) const {
             V in[1];
@@ -331,9 +335,8 @@ struct SrcP {
 };
 
 // ------------------------------------------------------------ interleaved destination
-// Keep on integer samples reads the destination's block back and rewrites the
-// fourth channel's bytes unchanged (the row must be readable); on 32f it
-// writes the three colour samples of each pixel alone.
+// Keep reads the destination's block back and rewrites the fourth channel's
+// samples unchanged (the row must be readable).
 template <class T, int Cn, bool Swap, Fourth F>
 struct DstC {
     static_assert((Cn == 3) == (F == Fourth::None), "three samples a pixel have no fourth channel");
@@ -362,12 +365,13 @@ struct DstC {
                 } else {
                     V px[4];
                     channelsToPixels<F == Fourth::FromSrc>(ch, px);
-                    // Keep: three samples a pixel written, the fourth untouched
+                    // Keep: the fourth sample read back and written as it was
                     for (int v = 0; v < 4; ++v) {
-                        if constexpr (F == Fourth::Keep)
-                            storeExact<12>(q + 4 * v, &px[v]);
-                        else
-                            storeExact<16>(q + 4 * v, &px[v]);
+                        if constexpr (F == Fourth::Keep) {
+                            const VF old = _mm_loadu_ps(reinterpret_cast<const float*>(q + 4 * v));
+                            px[v] = _mm_castps_si128(_mm_blend_ps(_mm_castsi128_ps(px[v]), old, 0x8));
+                        }
+                        storeExact<16>(q + 4 * v, &px[v]);
                     }
                 }
                 return;
@@ -389,18 +393,30 @@ struct DstC {
             }
             storeExact<Shape<Cn, Sz>::kBytes, Aligned>(q, out);
         }
-        // 8u, three samples a pixel: 16 pixels at once. pair narrows the words
-        // of two blocks to 16-bit lanes, store16 the pairs of pixels 0..7 and
-        // 8..15 to bytes: the pack steps of narrow, two blocks at a time.
-        static constexpr bool kWide = Cn == 3 && Sz == 1;
-        static V pair(V a, V b) { return _mm_packs_epi32(a, b); }
-        void store16(int x, const V (&lo)[3], const V (&hi)[3]) const {
-            static_assert(kWide, "16-pixel stores of 8u rows of three samples");
-            V ch[3];
-            for (int k = 0; k < 3; ++k) ch[Swap ? 2 - k : k] = _mm_packus_epi16(lo[k], hi[k]);
-            V out[3];
-            kro::interleave3(ch, out);
-            kro::storeBytes<3, 16>(p + Cn * x, out);
+        // 8u rows of three samples, or of four whose fourth stays as it was:
+        // 16 pixels from each colour channel's bytes in pixel order. Four
+        // samples a pixel read the destination back for its fourth bytes.
+        static constexpr bool kBytes16 = Sz == 1 && (Cn == 3 || (Cn == 4 && F == Fourth::Keep));
+        void storeBytes16(int x, const V (&c)[3]) const {
+            static_assert(kBytes16, "16-pixel stores of 8u rows");
+            T* q = p + Cn * x;
+            if constexpr (Cn == 3) {
+                V ch[3];
+                for (int k = 0; k < 3; ++k) ch[Swap ? 2 - k : k] = c[k];
+                V out[3];
+                kro::interleave3(ch, out);
+                kro::storeBytes<3, 16>(q, out);
+            } else {
+                Px px;
+                for (int k = 0; k < 3; ++k) px.c[Swap ? 2 - k : k] = c[k];
+                px.c[3] = zero();
+                V out[4], old[4];
+                kro::interleave<4>(px, out);
+                kro::loadBytes<4, 16>(q, old);
+                const V fourth = _mm_set1_epi32(static_cast<int>(0xff000000u));
+                for (int v = 0; v < 4; ++v) out[v] = _mm_blendv_epi8(out[v], old[v], fourth);
+                kro::storeBytes<4, 16>(q, out);
+            }
         }
         void put(int x, const typename Sample<T>::Word (&o)[3], T fourth) const {
             T* q = p + Cn * x;
@@ -421,6 +437,7 @@ struct DstP {
     int step;
     struct Row {
         using Type = T;
+        static constexpr bool kBytes16 = false;
         T* p[K];
         bool aligned() const { return false; }
         template <bool Aligned = false>
@@ -448,35 +465,36 @@ struct DstP {
 // the rest through the scalar tail form; B = 1: the whole row is scalar.
 // ByAlignment: rows whose destination is 16-byte aligned store whole registers
 // with aligned stores (same bytes as the general sequence).
-template <int B, class VecForm, class TailForm, bool ByAlignment = false>
+// Bytes16: a form on 16 pixels of bytes (three channel registers in, three
+// out) with the numbers of VecForm; where both sides move 8u rows of three or
+// four samples, it takes the main path 16 pixels at a time.
+template <int B, class VecForm, class TailForm, bool ByAlignment = false, class Bytes16 = void>
 struct KernelF {
     static_assert(B == 1 || B == 4 || B == 8, "blocks of 4 or 8 pixels, or scalar only");
-
-    // Both sides move 16 pixels at once (8u rows of three samples).
-    template <class R, class = void>
-    struct Wide : std::false_type {};
-    template <class R>
-    struct Wide<R, std::void_t<decltype(R::kWide)>> : std::bool_constant<R::kWide> {};
 
     template <bool Aligned, class SRow, class DRow>
     static int mainPath(const SRow& s, const DRow& d, int width) {
         const int n = width & ~(B - 1);
         int x = 0;
-        if constexpr (Wide<SRow>::value && Wide<DRow>::value && !Aligned) {
+        if constexpr (!std::is_void_v<Bytes16> && SRow::kBytes16 && DRow::kBytes16 && !Aligned) {
             for (; x + 16 <= n; x += 16) {
-                V ch[3];
-                s.load16(x, ch);
-                V h[2][3];
-                for (int half = 0; half < 2; ++half) {
-                    VF c[3];
-                    V w0[3], w1[3];
-                    SRow::block(ch, 2 * half, c);
-                    VecForm::apply(c, w0);
-                    SRow::block(ch, 2 * half + 1, c);
-                    VecForm::apply(c, w1);
-                    for (int k = 0; k < 3; ++k) h[half][k] = DRow::pair(w0[k], w1[k]);
-                }
-                d.store16(x, h[0], h[1]);
+                V in[3], out[3];
+                s.loadBytes16(x, in);
+                Bytes16::apply(in, out);
+                d.storeBytes16(x, out);
+            }
+        }
+        if constexpr (sizeof(typename SRow::Type) == 4 && sizeof(typename DRow::Type) == 4) {
+            // float rows: two blocks a step, so one block's divisions overlap the other's work
+            for (; x + 8 <= n; x += 8) {
+                Block b0, b1;
+                s.load4(x, b0);
+                s.load4(x + 4, b1);
+                V w0[3], w1[3];
+                VecForm::apply(b0.c, w0);
+                VecForm::apply(b1.c, w1);
+                d.template store4<Aligned>(x, w0, b0.fourth);
+                d.template store4<Aligned>(x + 4, w1, b1.fourth);
             }
         }
         for (; x < n; x += 4) {
