@@ -170,6 +170,27 @@ template <class Form>
 struct PairStep {
     static constexpr PairTerms k = PairTermsOf<Form>::k;
 
+    // How chroma reaches its lanes. A centred chroma weighted by 128 is taken as
+    // C x 64 - 8192 against doubled weights where they fit in 16 bits (the same
+    // products), one weighted below 128 as C x cW - 128 cW; otherwise as the
+    // signed byte C ^ 0x80 weighted by 128.
+    static constexpr bool fits2(int w) { return w >= -16384 && w <= 16383; }
+    static constexpr bool kHalveW = k.centred && k.cW == 128 && fits2(k.kB) && fits2(k.kR) && fits2(k.kGb) &&
+                                    fits2(k.kGr);
+    static constexpr bool kSignedBytes = k.centred && k.cW == 128 && !kHalveW;
+    static constexpr int kCW = kHalveW ? 64 : k.cW;               // the byte weight
+    static constexpr int kCOff = k.centred ? -128 * kCW : 0;      // added to C x kCW
+    static constexpr int kMul = kHalveW ? 2 : 1;                  // on the chroma weights
+
+    // A rounding term of half the shift's unit goes with the shift: (s + 2^(n-1))
+    // >> n is the rounded product of s and 2^(15-n) (pmulhrsw), exactly.
+    static constexpr bool kRoundedShift = k.tAdd != 0 && k.tAdd == 1 << (k.shift - 1);
+    static constexpr int kTAdd = kRoundedShift ? 0 : k.tAdd;
+    static V shifted(V s) {
+        if constexpr (kRoundedShift) return mulRoundS15(s, splat16(1 << (15 - k.shift)));
+        return _mm_srai_epi16(s, k.shift);
+    }
+
     // Eight pixels from one 16-byte vector: X, Y and G lanes after the shift.
     template <bool LumaLow, bool CbFirst>
     static void half(V a, V& x, V& y, V& g) {
@@ -177,63 +198,78 @@ struct PairStep {
         if constexpr (k.kY != 0) {
             if constexpr (k.yAdd != 0) t = _mm_add_epi16(t, splat16(k.yAdd));
             t = mulHighS16(t, splat16(k.kY));
-            if constexpr (k.tAdd != 0) t = _mm_add_epi16(t, splat16(k.tAdd));
-        } else if constexpr (k.yAdd + k.tAdd != 0) {
-            t = _mm_add_epi16(t, splat16(k.yAdd + k.tAdd));
+            if constexpr (kTAdd != 0) t = _mm_add_epi16(t, splat16(kTAdd));
+        } else if constexpr (k.yAdd + kTAdd != 0) {
+            t = _mm_add_epi16(t, splat16(k.yAdd + kTAdd));
         }
-        const int cw = LumaLow ? k.cW << 8 : k.cW;  // the weight on each lane's chroma byte
-        const V c = k.centred ? _mm_maddubs_epi16(splat16(cw), _mm_xor_si128(a, _mm_set1_epi8(-128)))
-                              : _mm_maddubs_epi16(a, splat16(cw));
+        const int cw = LumaLow ? kCW << 8 : kCW;  // the weight on each lane's chroma byte
+        V c;
+        if constexpr (kSignedBytes) {
+            c = _mm_maddubs_epi16(splat16(cw), _mm_xor_si128(a, _mm_set1_epi8(-128)));
+        } else {
+            c = _mm_maddubs_epi16(a, splat16(cw));
+            if constexpr (kCOff != 0) c = _mm_add_epi16(c, splat16(kCOff));
+        }
         // weights and constants of the first and the second chroma of a group
-        constexpr int k1 = CbFirst ? k.kB : k.kR, k2 = CbFirst ? k.kR : k.kB;
+        constexpr int k1 = kMul * (CbFirst ? k.kB : k.kR), k2 = kMul * (CbFirst ? k.kR : k.kB);
         constexpr int c1 = CbFirst ? k.cB : k.cR, c2 = CbFirst ? k.cR : k.cB;
-        constexpr int g1 = CbFirst ? k.kGb : k.kGr, g2 = CbFirst ? k.kGr : k.kGb;
+        constexpr int g1 = kMul * (CbFirst ? k.kGb : k.kGr), g2 = kMul * (CbFirst ? k.kGr : k.kGb);
         V x1 = mulHighS16(c, _mm_setr_epi16(k1, k2, k1, k2, k1, k2, k1, k2));
         if constexpr (c1 != 0 || c2 != 0) x1 = _mm_add_epi16(x1, _mm_setr_epi16(c1, c2, c1, c2, c1, c2, c1, c2));
         V x2 = mulHighS16(c, _mm_setr_epi16(g1, g2, g1, g2, g1, g2, g1, g2));
         if constexpr (k.cG != 0) x2 = _mm_add_epi16(x2, _mm_setr_epi16(k.cG, 0, k.cG, 0, k.cG, 0, k.cG, 0));
         const V swap = loadMask(kSwapWords);
-        const V s = _mm_add_epi16(x2, _mm_shuffle_epi8(x2, swap));  // green's sum, in both lanes of a pair
-        x = _mm_srai_epi16(_mm_add_epi16(t, x1), k.shift);
-        y = _mm_srai_epi16(_mm_add_epi16(t, _mm_shuffle_epi8(x1, swap)), k.shift);
-        g = _mm_srai_epi16(k.gSub ? _mm_sub_epi16(t, s) : _mm_add_epi16(t, s), k.shift);
+        x = shifted(_mm_add_epi16(t, x1));
+        y = shifted(_mm_add_epi16(t, _mm_shuffle_epi8(x1, swap)));
+        // green: both products of the pair, the own lane's, then the neighbour's
+        if constexpr (k.gSub)
+            g = _mm_sub_epi16(_mm_sub_epi16(t, x2), _mm_shuffle_epi8(x2, swap));
+        else
+            g = _mm_add_epi16(_mm_add_epi16(t, x2), _mm_shuffle_epi8(x2, swap));
+        g = shifted(g);
     }
 
+    // Pixels x, x + 16, ... below end; returns the first pixel not written.
     template <class SRow, class DRow>
-    static void step16(const SRow& s, const DRow& d, int x) {
-        constexpr bool kCbFirst = SRow::kCbFirst;
-        V a0, a1;
-        s.bytes32(x, a0, a1);
-        V x0, y0, g0, x1, y1, g1;
-        half<SRow::kLumaLow, kCbFirst>(a0, x0, y0, g0);
-        half<SRow::kLumaLow, kCbFirst>(a1, x1, y1, g1);
-        if constexpr (WritesPairBytes<DRow>::value) {
-            // 48 bytes from three packed vectors, two or three of them a vector
-            const V p[3] = {_mm_packus_epi16(x0, y0), _mm_packus_epi16(g0, g1), _mm_packus_epi16(x1, y1)};
-            const auto& t = kC3PairMasks<kCbFirst, DRow::kSwap>;
-            uint8_t* q = d.p + 3 * x;
-            for (int v = 0; v < 3; ++v) {
-                V acc = zero();
-                bool any = false;
-                for (int i = 0; i < 3; ++i) {
-                    if (!t.use[v][i]) continue;
-                    const V part = _mm_shuffle_epi8(p[i], loadMask(t.m[v][i]));
-                    acc = any ? _mm_or_si128(acc, part) : part;
-                    any = true;
+    static int run(const SRow& sr, const DRow& dr, int x, int end) {
+        constexpr bool kCbFirst = SRow::kCbFirst, kLumaLow = SRow::kLumaLow;
+        const SRow s = sr;  // local copies: the stores cannot change them
+        const DRow d = dr;
+        for (; x + 16 <= end; x += 16) {
+            V a0, a1;
+            s.bytes32(x, a0, a1);
+            V x0, y0, g0, x1, y1, g1;
+            half<kLumaLow, kCbFirst>(a0, x0, y0, g0);
+            half<kLumaLow, kCbFirst>(a1, x1, y1, g1);
+            if constexpr (WritesPairBytes<DRow>::value) {
+                // 48 bytes from three packed vectors, two or three of them a vector
+                const V p[3] = {_mm_packus_epi16(x0, y0), _mm_packus_epi16(g0, g1), _mm_packus_epi16(x1, y1)};
+                const auto& t = kC3PairMasks<kCbFirst, DRow::kSwap>;
+                uint8_t* q = d.p + 3 * x;
+                for (int v = 0; v < 3; ++v) {
+                    V acc = zero();
+                    bool any = false;
+                    for (int i = 0; i < 3; ++i) {
+                        if (!t.use[v][i]) continue;
+                        const V part = _mm_shuffle_epi8(p[i], loadMask(t.m[v][i]));
+                        acc = any ? _mm_or_si128(acc, part) : part;
+                        any = true;
+                    }
+                    _mm_storeu_si128(reinterpret_cast<V*>(q + 16 * v), acc);
                 }
-                _mm_storeu_si128(reinterpret_cast<V*>(q + 16 * v), acc);
+            } else {
+                // X holds red at odd pixels when Cb comes first, at even pixels otherwise
+                const V px = _mm_packus_epi16(x0, x1), py = _mm_packus_epi16(y0, y1);
+                const V odd = splat16(0xff00);
+                Px o;
+                o.c[0] = kCbFirst ? _mm_blendv_epi8(py, px, odd) : _mm_blendv_epi8(px, py, odd);
+                o.c[1] = _mm_packus_epi16(g0, g1);
+                o.c[2] = kCbFirst ? _mm_blendv_epi8(px, py, odd) : _mm_blendv_epi8(py, px, odd);
+                o.c[3] = zero();
+                d.template store<16>(x, o);
             }
-        } else {
-            // X holds red at odd pixels when Cb comes first, at even pixels otherwise
-            const V px = _mm_packus_epi16(x0, x1), py = _mm_packus_epi16(y0, y1);
-            const V odd = splat16(0xff00);
-            Px o;
-            o.c[0] = kCbFirst ? _mm_blendv_epi8(py, px, odd) : _mm_blendv_epi8(px, py, odd);
-            o.c[1] = _mm_packus_epi16(g0, g1);
-            o.c[2] = kCbFirst ? _mm_blendv_epi8(px, py, odd) : _mm_blendv_epi8(py, px, odd);
-            o.c[3] = zero();
-            d.template store<16>(x, o);
         }
+        return x;
     }
 };
 

@@ -345,7 +345,7 @@ struct DecodeRow {
         const int vecEnd = span & ~(NMin - 1);
         int x = x0;
         if constexpr (PairTermsOf<MainVec>::kHas && HasPairLanes<SRow>::value)
-            for (; x + 16 <= vecEnd; x += 16) PairStep<MainVec>::step16(s, d, x);
+            x = PairStep<MainVec>::run(s, d, x, vecEnd);
         if constexpr (HasPieces<MainVec>::value && SRow::kChroma8)
             for (; x + 16 <= vecEnd; x += 16) chromaStep16(s, d, x);
         for (; x + 16 <= vecEnd; x += 16) Steps::template step<16>(s, d, x);
