@@ -109,16 +109,17 @@ using D3 = Lanes16<FoldedRaw<4768, 8262, 6537, 1606, 3330, 1783, 1085, 2214>>;
 // y' = (Y - 16) << 7; 4 fractional bits in the sums, rounded by 8.
 struct D4Raw {
     static constexpr int Shift = 4;
+    static constexpr int kY = 9535, kRound = 8, kR = 13074, kGb = -3211, kGr = -6660, kB = 16523;
     template <class T>
     static T luma(T y) {
-        return addSatS16(mulHighS16(shl<7>(subSatS16(y, lit<T>(16))), lit<T>(9535)), lit<T>(8));
+        return addSatS16(mulHighS16(shl<7>(subSatS16(y, lit<T>(16))), lit<T>(kY)), lit<T>(kRound));
     }
     template <class T>
     static void chroma(T cb, T cr, T& dr, T& dg, T& db) {
         const T u = centred(cb), v = centred(cr);
-        dr = mulHighS16(v, lit<T>(13074));
-        dg = addSatS16(mulHighS16(u, lit<T>(-3211)), mulHighS16(v, lit<T>(-6660)));
-        db = mulHighS16(u, lit<T>(16523));
+        dr = mulHighS16(v, lit<T>(kR));
+        dg = addSatS16(mulHighS16(u, lit<T>(kGb)), mulHighS16(v, lit<T>(kGr)));
+        db = mulHighS16(u, lit<T>(kB));
     }
 };
 using D4 = Lanes16<D4Raw>;
@@ -126,16 +127,17 @@ using D4 = Lanes16<D4Raw>;
 // ------------------------------------------------------------ D5: 12 fractional bits, 3 in the sums, no rounding
 struct D5Raw {
     static constexpr int Shift = 3;
+    static constexpr int kY = 4767, kR = 6537, kGb = 1605, kGr = 3330, kB = 8261;
     template <class T>
     static T luma(T y) {
-        return mulHighS16(shl<7>(subSatS16(y, lit<T>(16))), lit<T>(4767));
+        return mulHighS16(shl<7>(subSatS16(y, lit<T>(16))), lit<T>(kY));
     }
     template <class T>
     static void chroma(T cb, T cr, T& dr, T& dg, T& db) {
         const T u = centred(cb), v = centred(cr);
-        dr = mulHighS16(v, lit<T>(6537));
-        dg = subSatS16(subSatS16(lit<T>(0), mulHighS16(u, lit<T>(1605))), mulHighS16(v, lit<T>(3330)));
-        db = mulHighS16(u, lit<T>(8261));
+        dr = mulHighS16(v, lit<T>(kR));
+        dg = subSatS16(subSatS16(lit<T>(0), mulHighS16(u, lit<T>(kGb))), mulHighS16(v, lit<T>(kGr)));
+        db = mulHighS16(u, lit<T>(kB));
     }
 };
 using D5 = Lanes16<D5Raw>;
@@ -173,6 +175,8 @@ using D8 = Studio32<76284, 117506, 13959, 34996, 138609>;  // BT.709
 template <bool SubtractGreen>
 struct FullSwingRaw {
     static constexpr int Shift = 4;
+    // green's weights as magnitudes: H1 adds their negatives, H3 subtracts them
+    static constexpr int kR = 12616, kGb = 1499, kGr = 3760, kB = 14877;
     template <class T>
     static T luma(T y) {
         return addSatS16(shl<4>(y), lit<T>(8));
@@ -180,12 +184,12 @@ struct FullSwingRaw {
     template <class T>
     static void chroma(T cb, T cr, T& dr, T& dg, T& db) {
         const T u = centred(cb), v = centred(cr);
-        dr = mulHighS16(v, lit<T>(12616));
+        dr = mulHighS16(v, lit<T>(kR));
         if constexpr (SubtractGreen)
-            dg = subSatS16(subSatS16(lit<T>(0), mulHighS16(v, lit<T>(3760))), mulHighS16(u, lit<T>(1499)));
+            dg = subSatS16(subSatS16(lit<T>(0), mulHighS16(v, lit<T>(kGr))), mulHighS16(u, lit<T>(kGb)));
         else
-            dg = addSatS16(mulHighS16(u, lit<T>(-1499)), mulHighS16(v, lit<T>(-3760)));
-        db = mulHighS16(u, lit<T>(14877));
+            dg = addSatS16(mulHighS16(u, lit<T>(-kGb)), mulHighS16(v, lit<T>(-kGr)));
+        db = mulHighS16(u, lit<T>(kB));
     }
 };
 using H1 = Lanes16<FullSwingRaw<false>>;

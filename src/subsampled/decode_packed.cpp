@@ -17,7 +17,7 @@ using YCbCr = SrcC2<sub::kYCbCr422C2>;
 using YCrCb = SrcC2<sub::kYCrCb422C2>;
 using YUV = SrcC2<sub::kYUV422C2>;
 template <bool Swap>
-using OutC3 = ycbcr::DstC3Blend<Swap>;  // 16 pixels interleaved by blends
+using OutC3 = DstC3Pairs<Swap>;  // the main step writes its 48 bytes itself
 template <bool Swap>
 using OutC4 = DstC8<4, Swap, Alpha::Aval>;
 using OutP3 = DstP8<3>;

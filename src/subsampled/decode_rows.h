@@ -14,6 +14,7 @@
 #include "frame/region.h"
 #include "subsampled/catalogue.h"
 #include "subsampled/decode_forms.h"
+#include "subsampled/decode_pairs.h"
 
 namespace kro::dec {
 
@@ -106,6 +107,13 @@ struct SrcC2 {
         // gives the 16 luma bytes and the eight groups' chroma pairs in order.
         static constexpr bool kLumaEven = L.y0 == 0;
         static constexpr int kCbOff = L.cb < L.cr ? 0 : 1;  // Cb's place in a chroma pair
+        // packed lanes (PairStep): luma in the low byte of each 16-bit lane, Cb the group's first chroma
+        static constexpr bool kLumaLow = L.y0 % 2 == 0;
+        static constexpr bool kCbFirst = L.cb < 2;
+        void bytes32(int x, V& a, V& b) const {
+            a = loadLow<16, Aligned>(p + 2 * x);
+            b = loadLow<16, Aligned>(p + 2 * x + 16);
+        }
         void split16(int x, V& luma, V& pairs) const {
             const V a = loadLow<16, Aligned>(p + 2 * x), b = loadLow<16, Aligned>(p + 2 * x + 16);
             const V low = _mm_set1_epi16(0x00ff);
@@ -336,6 +344,8 @@ struct DecodeRow {
         const int span = mainSpan(w, whole);
         const int vecEnd = span & ~(NMin - 1);
         int x = x0;
+        if constexpr (PairTermsOf<MainVec>::kHas && HasPairLanes<SRow>::value)
+            x = PairStep<MainVec>::run(s, d, x, vecEnd);
         if constexpr (HasPieces<MainVec>::value && SRow::kChroma8)
             for (; x + 16 <= vecEnd; x += 16) chromaStep16(s, d, x);
         for (; x + 16 <= vecEnd; x += 16) Steps::template step<16>(s, d, x);
