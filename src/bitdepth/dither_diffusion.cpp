@@ -51,10 +51,15 @@ struct Quantiser {
             e = 0.0f;
             return low;
         }
-        const int t = truncToInt(mulF(v, r));
-        float f = mulF(toFloat(t), q);
-        f = addWhereBelow(f, q, T, subF(v, f));
-        e = subF(v, f);
+        // both candidates, the level below (f0) and the one above (f1), with
+        // their errors, then a blend: the choice is as good as random, and a
+        // branch on it would be mispredicted half the time
+        const float f0 = mulF(toFloat(truncToInt(mulF(v, r))), q);
+        const float d = subF(v, f0);
+        const float f1 = addF(f0, q);
+        const VF above = _mm_cmplt_ss(_mm_set_ss(T), _mm_set_ss(d));  // T < d
+        const float f = _mm_cvtss_f32(_mm_blendv_ps(_mm_set_ss(f0), _mm_set_ss(f1), above));
+        e = _mm_cvtss_f32(_mm_blendv_ps(_mm_set_ss(d), _mm_set_ss(subF(v, f1)), above));
         return mapLevel<P, Half>(f);
     }
 };
