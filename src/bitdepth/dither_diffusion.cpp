@@ -102,26 +102,40 @@ void floydRegion(const Job& job, const Work& w) {
     const Quantiser<P> qz = quantiser<P>(job.L, true);
     const float halfStep = mulF(0.5f, qz.q);
     const int width = job.roi.width;
+    // One sample of channel c at column x of row y: errors above in `above`,
+    // this row's in `own`.
+    auto step = [&](int c, int x, int y, const uint8_t* s, uint8_t* d, const float* above, float* own) {
+        const int i = x * stride + c;
+        float S;
+        if constexpr (half)  // ((3 P[x+1] + 5 P[x]) + P[x-1]) + 7 C[x-1]
+            S = addF(addF(addF(mulF(3.0f, above[x + 1]), mulF(5.0f, above[x])), above[x - 1]), mulF(7.0f, own[x - 1]));
+        else  // ((3 P[x+1] + P[x-1]) + 5 P[x]) + 7 C[x-1]
+            S = addF(addF(addF(mulF(3.0f, above[x + 1]), above[x - 1]), mulF(5.0f, above[x])), mulF(7.0f, own[x - 1]));
+        const float v = addF(sourceValue<P>(s, i), mulF(S, kFloydMultiplier));
+        const float T = Noisy ? w.noise.at(x, y) : halfStep;
+        storeValue<P>(d, i, qz.template decide<half>(v, T, own[x]));
+    };
     // guards at -1 and width; the roles go on from channel to channel
     float* prev = w.rows + 1;
     float* cur = w.rows + (width + 2) + 1;
     for (int c = 0; c < cn; ++c) {
-        for (int y = 0; y < job.roi.height; ++y) {
-            const uint8_t* s = job.srcRow(y);
-            uint8_t* d = job.dstRow(y);
-            for (int x = 0; x < width; ++x) {
-                const int i = x * stride + c;
-                float S;
-                if constexpr (half)  // ((3 P[x+1] + 5 P[x]) + P[x-1]) + 7 C[x-1]
-                    S = addF(addF(addF(mulF(3.0f, prev[x + 1]), mulF(5.0f, prev[x])), prev[x - 1]),
-                             mulF(7.0f, cur[x - 1]));
-                else  // ((3 P[x+1] + P[x-1]) + 5 P[x]) + 7 C[x-1]
-                    S = addF(addF(addF(mulF(3.0f, prev[x + 1]), prev[x - 1]), mulF(5.0f, prev[x])),
-                             mulF(7.0f, cur[x - 1]));
-                const float v = addF(sourceValue<P>(s, i), mulF(S, kFloydMultiplier));
-                const float T = Noisy ? w.noise.at(x, y) : halfStep;
-                storeValue<P>(d, i, qz.template decide<half>(v, T, cur[x]));
+        int y = 0;
+        // Rows two at a time, the second two columns behind the first: its
+        // column x needs the first's x + 1, and writes its errors over the row
+        // above the first, whose column x the first no longer reads. The two
+        // rows' chains of errors then run side by side.
+        for (; y + 2 <= job.roi.height; y += 2) {
+            const uint8_t *s0 = job.srcRow(y), *s1 = job.srcRow(y + 1);
+            uint8_t *d0 = job.dstRow(y), *d1 = job.dstRow(y + 1);
+            for (int x = 0; x < width + 2; ++x) {
+                if (x < width) step(c, x, y, s0, d0, prev, cur);
+                if (x >= 2) step(c, x - 2, y + 1, s1, d1, cur, prev);
             }
+        }
+        if (y < job.roi.height) {
+            const uint8_t* s0 = job.srcRow(y);
+            uint8_t* d0 = job.dstRow(y);
+            for (int x = 0; x < width; ++x) step(c, x, y, s0, d0, prev, cur);
             std::swap(prev, cur);
         }
     }
