@@ -10,7 +10,9 @@
 // Stucki gather the four columns x-2..x+1 of the three rows in one 4-lane
 // product sum, the fifth column after; groups of four pixels share one noise
 // value. Every sample's arithmetic depends on the previous sample's error, so
-// there is no wider vector path.
+// there is no wider vector path; instead both run rows in pairs, the second
+// row two columns behind the first, so that two chains of errors are in
+// flight at once.
 #include <utility>
 
 #include "bitdepth/reduce_frame.h"
@@ -151,33 +153,55 @@ void twoRowRegion(const Job& job, const Work& w, const TwoRowWeights& k) {
     const VF wa = _mm_loadu_ps(k.wa), wb = _mm_loadu_ps(k.wb), wc = _mm_loadu_ps(k.wc);
     const float wb0 = k.wb[0];
     const int grouped = width & ~3;
+    // One sample of channel c at column x of row y: errors two rows up in A,
+    // one row up in B, this row's in C, the two newest of which ride in e1, e2.
+    auto step = [&](int c, int x, int y, const uint8_t* s, uint8_t* d, const float* A, const float* B, float* C,
+                    float& e1, float& e2) {
+        const int i = x * stride + c;
+        // l = (wa A + wb B) + wc C over lanes x-2..x+1; C's lanes 2, 3 weigh nothing
+        const VF cv = _mm_setr_ps(e2, e1, 0.0f, 0.0f);
+        const VF l = addF(addF(mulF(wa, _mm_loadu_ps(A + x - 2)), mulF(wb, _mm_loadu_ps(B + x - 2))), mulF(wc, cv));
+        const VF h = addF(l, _mm_movehl_ps(l, l));  // l0 + l2, l1 + l3
+        float S = addF(_mm_cvtss_f32(h), _mm_cvtss_f32(_mm_shuffle_ps(h, h, 1)));
+        S = addF(S, A[x + 2]);
+        S = addF(S, mulF(wb0, B[x + 2]));
+        const float v = addF(sourceValue<P>(s, i), mulF(S, k.multiplier));
+        const int xn = x < grouped ? (x & ~3) : x;  // groups of four share a noise value
+        const float T = Noisy ? w.noise.at(xn, y) : halfStep;
+        float e;
+        storeValue<P>(d, i, qz.template decide<false>(v, T, e));
+        C[x] = e;
+        e2 = e1;
+        e1 = e;
+    };
     float* rowA = w.rows + 2;
     float* rowB = w.rows + len + 2;
     float* rowC = w.rows + 2 * len + 2;
     for (int c = 0; c < cn; ++c) {
-        for (int y = 0; y < job.roi.height; ++y) {
-            const uint8_t* s = job.srcRow(y);
-            uint8_t* d = job.dstRow(y);
-            float e1 = rowC[-1], e2 = rowC[-2];  // the two newest errors of this row: guards first
-            for (int x = 0; x < width; ++x) {
-                const int i = x * stride + c;
-                // l = (wa A + wb B) + wc C over lanes x-2..x+1; C's lanes 2, 3 weigh nothing
-                const VF cv = _mm_setr_ps(e2, e1, 0.0f, 0.0f);
-                const VF l = addF(addF(mulF(wa, _mm_loadu_ps(rowA + x - 2)), mulF(wb, _mm_loadu_ps(rowB + x - 2))),
-                                  mulF(wc, cv));
-                const VF h = addF(l, _mm_movehl_ps(l, l));  // l0 + l2, l1 + l3
-                float S = addF(_mm_cvtss_f32(h), _mm_cvtss_f32(_mm_shuffle_ps(h, h, 1)));
-                S = addF(S, rowA[x + 2]);
-                S = addF(S, mulF(wb0, rowB[x + 2]));
-                const float v = addF(sourceValue<P>(s, i), mulF(S, k.multiplier));
-                const int xn = x < grouped ? (x & ~3) : x;  // groups of four share a noise value
-                const float T = Noisy ? w.noise.at(xn, y) : halfStep;
-                float e;
-                storeValue<P>(d, i, qz.template decide<false>(v, T, e));
-                rowC[x] = e;
-                e2 = e1;
-                e1 = e;
+        int y = 0;
+        // Rows two at a time, the second two columns behind the first: its
+        // column x needs the first's x + 2, and writes its errors over the row
+        // two above the first, whose column x the first has just read for the
+        // last time. The two rows' chains of errors then run side by side.
+        for (; y + 2 <= job.roi.height; y += 2) {
+            const uint8_t *s0 = job.srcRow(y), *s1 = job.srcRow(y + 1);
+            uint8_t *d0 = job.dstRow(y), *d1 = job.dstRow(y + 1);
+            float e1 = rowC[-1], e2 = rowC[-2];  // the guards first
+            float f1 = rowA[-1], f2 = rowA[-2];
+            for (int x = 0; x < width + 2; ++x) {
+                if (x < width) step(c, x, y, s0, d0, rowA, rowB, rowC, e1, e2);
+                if (x >= 2) step(c, x - 2, y + 1, s1, d1, rowB, rowC, rowA, f1, f2);
             }
+            float* oldB = rowB;
+            rowB = rowA;
+            rowA = rowC;
+            rowC = oldB;
+        }
+        if (y < job.roi.height) {
+            const uint8_t* s0 = job.srcRow(y);
+            uint8_t* d0 = job.dstRow(y);
+            float e1 = rowC[-1], e2 = rowC[-2];
+            for (int x = 0; x < width; ++x) step(c, x, y, s0, d0, rowA, rowB, rowC, e1, e2);
             float* oldA = rowA;
             rowA = rowB;
             rowB = rowC;
