@@ -10,7 +10,9 @@
 // Stucki gather the four columns x-2..x+1 of the three rows in one 4-lane
 // product sum, the fifth column after; groups of four pixels share one noise
 // value. Every sample's arithmetic depends on the previous sample's error, so
-// there is no wider vector path.
+// there is no wider vector path; instead both run rows in pairs, the second
+// row two columns behind the first, so that two chains of errors are in
+// flight at once.
 #include <utility>
 
 #include "bitdepth/reduce_frame.h"
@@ -51,10 +53,15 @@ struct Quantiser {
             e = 0.0f;
             return low;
         }
-        const int t = truncToInt(mulF(v, r));
-        float f = mulF(toFloat(t), q);
-        f = addWhereBelow(f, q, T, subF(v, f));
-        e = subF(v, f);
+        // both candidates, the level below (f0) and the one above (f1), with
+        // their errors, then a blend: the choice is as good as random, and a
+        // branch on it would be mispredicted half the time
+        const float f0 = mulF(toFloat(truncToInt(mulF(v, r))), q);
+        const float d = subF(v, f0);
+        const float f1 = addF(f0, q);
+        const VF above = _mm_cmplt_ss(_mm_set_ss(T), _mm_set_ss(d));  // T < d
+        const float f = _mm_cvtss_f32(_mm_blendv_ps(_mm_set_ss(f0), _mm_set_ss(f1), above));
+        e = _mm_cvtss_f32(_mm_blendv_ps(_mm_set_ss(d), _mm_set_ss(subF(v, f1)), above));
         return mapLevel<P, Half>(f);
     }
 };
@@ -97,26 +104,40 @@ void floydRegion(const Job& job, const Work& w) {
     const Quantiser<P> qz = quantiser<P>(job.L, true);
     const float halfStep = mulF(0.5f, qz.q);
     const int width = job.roi.width;
+    // One sample of channel c at column x of row y: errors above in `above`,
+    // this row's in `own`.
+    auto step = [&](int c, int x, int y, const uint8_t* s, uint8_t* d, const float* above, float* own) {
+        const int i = x * stride + c;
+        float S;
+        if constexpr (half)  // ((3 P[x+1] + 5 P[x]) + P[x-1]) + 7 C[x-1]
+            S = addF(addF(addF(mulF(3.0f, above[x + 1]), mulF(5.0f, above[x])), above[x - 1]), mulF(7.0f, own[x - 1]));
+        else  // ((3 P[x+1] + P[x-1]) + 5 P[x]) + 7 C[x-1]
+            S = addF(addF(addF(mulF(3.0f, above[x + 1]), above[x - 1]), mulF(5.0f, above[x])), mulF(7.0f, own[x - 1]));
+        const float v = addF(sourceValue<P>(s, i), mulF(S, kFloydMultiplier));
+        const float T = Noisy ? w.noise.at(x, y) : halfStep;
+        storeValue<P>(d, i, qz.template decide<half>(v, T, own[x]));
+    };
     // guards at -1 and width; the roles go on from channel to channel
     float* prev = w.rows + 1;
     float* cur = w.rows + (width + 2) + 1;
     for (int c = 0; c < cn; ++c) {
-        for (int y = 0; y < job.roi.height; ++y) {
-            const uint8_t* s = job.srcRow(y);
-            uint8_t* d = job.dstRow(y);
-            for (int x = 0; x < width; ++x) {
-                const int i = x * stride + c;
-                float S;
-                if constexpr (half)  // ((3 P[x+1] + 5 P[x]) + P[x-1]) + 7 C[x-1]
-                    S = addF(addF(addF(mulF(3.0f, prev[x + 1]), mulF(5.0f, prev[x])), prev[x - 1]),
-                             mulF(7.0f, cur[x - 1]));
-                else  // ((3 P[x+1] + P[x-1]) + 5 P[x]) + 7 C[x-1]
-                    S = addF(addF(addF(mulF(3.0f, prev[x + 1]), prev[x - 1]), mulF(5.0f, prev[x])),
-                             mulF(7.0f, cur[x - 1]));
-                const float v = addF(sourceValue<P>(s, i), mulF(S, kFloydMultiplier));
-                const float T = Noisy ? w.noise.at(x, y) : halfStep;
-                storeValue<P>(d, i, qz.template decide<half>(v, T, cur[x]));
+        int y = 0;
+        // Rows two at a time, the second two columns behind the first: its
+        // column x needs the first's x + 1, and writes its errors over the row
+        // above the first, whose column x the first no longer reads. The two
+        // rows' chains of errors then run side by side.
+        for (; y + 2 <= job.roi.height; y += 2) {
+            const uint8_t *s0 = job.srcRow(y), *s1 = job.srcRow(y + 1);
+            uint8_t *d0 = job.dstRow(y), *d1 = job.dstRow(y + 1);
+            for (int x = 0; x < width + 2; ++x) {
+                if (x < width) step(c, x, y, s0, d0, prev, cur);
+                if (x >= 2) step(c, x - 2, y + 1, s1, d1, cur, prev);
             }
+        }
+        if (y < job.roi.height) {
+            const uint8_t* s0 = job.srcRow(y);
+            uint8_t* d0 = job.dstRow(y);
+            for (int x = 0; x < width; ++x) step(c, x, y, s0, d0, prev, cur);
             std::swap(prev, cur);
         }
     }
@@ -132,33 +153,55 @@ void twoRowRegion(const Job& job, const Work& w, const TwoRowWeights& k) {
     const VF wa = _mm_loadu_ps(k.wa), wb = _mm_loadu_ps(k.wb), wc = _mm_loadu_ps(k.wc);
     const float wb0 = k.wb[0];
     const int grouped = width & ~3;
+    // One sample of channel c at column x of row y: errors two rows up in A,
+    // one row up in B, this row's in C, the two newest of which ride in e1, e2.
+    auto step = [&](int c, int x, int y, const uint8_t* s, uint8_t* d, const float* A, const float* B, float* C,
+                    float& e1, float& e2) {
+        const int i = x * stride + c;
+        // l = (wa A + wb B) + wc C over lanes x-2..x+1; C's lanes 2, 3 weigh nothing
+        const VF cv = _mm_setr_ps(e2, e1, 0.0f, 0.0f);
+        const VF l = addF(addF(mulF(wa, _mm_loadu_ps(A + x - 2)), mulF(wb, _mm_loadu_ps(B + x - 2))), mulF(wc, cv));
+        const VF h = addF(l, _mm_movehl_ps(l, l));  // l0 + l2, l1 + l3
+        float S = addF(_mm_cvtss_f32(h), _mm_cvtss_f32(_mm_shuffle_ps(h, h, 1)));
+        S = addF(S, A[x + 2]);
+        S = addF(S, mulF(wb0, B[x + 2]));
+        const float v = addF(sourceValue<P>(s, i), mulF(S, k.multiplier));
+        const int xn = x < grouped ? (x & ~3) : x;  // groups of four share a noise value
+        const float T = Noisy ? w.noise.at(xn, y) : halfStep;
+        float e;
+        storeValue<P>(d, i, qz.template decide<false>(v, T, e));
+        C[x] = e;
+        e2 = e1;
+        e1 = e;
+    };
     float* rowA = w.rows + 2;
     float* rowB = w.rows + len + 2;
     float* rowC = w.rows + 2 * len + 2;
     for (int c = 0; c < cn; ++c) {
-        for (int y = 0; y < job.roi.height; ++y) {
-            const uint8_t* s = job.srcRow(y);
-            uint8_t* d = job.dstRow(y);
-            float e1 = rowC[-1], e2 = rowC[-2];  // the two newest errors of this row: guards first
-            for (int x = 0; x < width; ++x) {
-                const int i = x * stride + c;
-                // l = (wa A + wb B) + wc C over lanes x-2..x+1; C's lanes 2, 3 weigh nothing
-                const VF cv = _mm_setr_ps(e2, e1, 0.0f, 0.0f);
-                const VF l = addF(addF(mulF(wa, _mm_loadu_ps(rowA + x - 2)), mulF(wb, _mm_loadu_ps(rowB + x - 2))),
-                                  mulF(wc, cv));
-                const VF h = addF(l, _mm_movehl_ps(l, l));  // l0 + l2, l1 + l3
-                float S = addF(_mm_cvtss_f32(h), _mm_cvtss_f32(_mm_shuffle_ps(h, h, 1)));
-                S = addF(S, rowA[x + 2]);
-                S = addF(S, mulF(wb0, rowB[x + 2]));
-                const float v = addF(sourceValue<P>(s, i), mulF(S, k.multiplier));
-                const int xn = x < grouped ? (x & ~3) : x;  // groups of four share a noise value
-                const float T = Noisy ? w.noise.at(xn, y) : halfStep;
-                float e;
-                storeValue<P>(d, i, qz.template decide<false>(v, T, e));
-                rowC[x] = e;
-                e2 = e1;
-                e1 = e;
+        int y = 0;
+        // Rows two at a time, the second two columns behind the first: its
+        // column x needs the first's x + 2, and writes its errors over the row
+        // two above the first, whose column x the first has just read for the
+        // last time. The two rows' chains of errors then run side by side.
+        for (; y + 2 <= job.roi.height; y += 2) {
+            const uint8_t *s0 = job.srcRow(y), *s1 = job.srcRow(y + 1);
+            uint8_t *d0 = job.dstRow(y), *d1 = job.dstRow(y + 1);
+            float e1 = rowC[-1], e2 = rowC[-2];  // the guards first
+            float f1 = rowA[-1], f2 = rowA[-2];
+            for (int x = 0; x < width + 2; ++x) {
+                if (x < width) step(c, x, y, s0, d0, rowA, rowB, rowC, e1, e2);
+                if (x >= 2) step(c, x - 2, y + 1, s1, d1, rowB, rowC, rowA, f1, f2);
             }
+            float* oldB = rowB;
+            rowB = rowA;
+            rowA = rowC;
+            rowC = oldB;
+        }
+        if (y < job.roi.height) {
+            const uint8_t* s0 = job.srcRow(y);
+            uint8_t* d0 = job.dstRow(y);
+            float e1 = rowC[-1], e2 = rowC[-2];
+            for (int x = 0; x < width; ++x) step(c, x, y, s0, d0, rowA, rowB, rowC, e1, e2);
             float* oldA = rowA;
             rowA = rowB;
             rowB = rowC;

@@ -82,35 +82,33 @@ struct CurveRun {
     // One block of n <= 384 contiguous samples, src to dst (they may be the same:
     // the block is read whole before any result is written).
     void block(const uint8_t* src, uint8_t* dst, int n) const {
-        alignas(16) float t[kBlock], p[kBlock];
+        // t, the power argument (then the power) and the low-branch mask of each sample
+        alignas(16) float t[kBlock], p[kBlock], low[kBlock];
         int i = 0;
         for (; i + 4 <= n; i += 4) {
             VF x = _mm_loadu_ps(reinterpret_cast<const float*>(src) + i);
             if (!g.zeroMin) x = start(g, x);
-            VF low;
+            VF lo;
             _mm_store_ps(t + i, x);
-            _mm_store_ps(p + i, C::arg(g, x, low));
+            _mm_store_ps(p + i, C::arg(g, x, lo));
+            _mm_store_ps(low + i, lo);
         }
         for (; i < n; ++i) {
             float x = getAt<float>(src, i);
             if (!g.zeroMin) x = start(g, x);
-            bool low;
+            bool lo;
             t[i] = x;
-            p[i] = C::arg(g, x, low);
+            p[i] = C::arg(g, x, lo);
+            low[i] = lo ? -1.0f : 0.0f;
         }
         power(p, C::exponent, p, n);
         for (i = 0; i + 4 <= n; i += 4) {
-            const VF x = _mm_load_ps(t + i);
-            VF low;
-            C::arg(g, x, low);
-            VF y = C::finish(g, x, _mm_load_ps(p + i), low);
+            VF y = C::finish(g, _mm_load_ps(t + i), _mm_load_ps(p + i), _mm_load_ps(low + i));
             if (!g.zeroMin) y = end(g, y);
             _mm_storeu_ps(reinterpret_cast<float*>(dst) + i, y);
         }
         for (; i < n; ++i) {
-            bool low;
-            C::arg(g, t[i], low);
-            float y = C::finish(g, t[i], p[i], low);
+            float y = C::finish(g, t[i], p[i], low[i] != 0.0f);
             if (!g.zeroMin) y = end(g, y);
             putAt<float>(dst, i, y);
         }

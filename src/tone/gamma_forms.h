@@ -106,10 +106,12 @@ inline V lookupLanes16(const Kro16u* table, V s, V r) {
 inline V lookup(const Kro16u* table, V s) { return lookupLanes16(table, s, s); }
 
 // ------------------------------------------------------------ the power routine
-// out[i] = in[i]^e for count floats, computed in doubles as exp(e ln v) and
-// rounded once to float: within one unit in the last place of the true power
-// (correctly rounded but for near-halfway cases at the 2^-40 level).
-// Zero gives 0, a negative input NaN, NaN stays NaN, +inf gives inf (e > 0).
+// out[i] = in[i]^e for count floats, computed in doubles as 2^(e log2 v) and
+// rounded once to float. The double result is within about 2^-47 of the true
+// power (relative), so the float is the correctly rounded one but for inputs
+// whose power lies within that distance of a halfway point between floats.
+// Zero gives 0, a negative input NaN, NaN stays NaN, +inf gives inf, for an
+// exponent e in kPowerExponents (the curves' two).
 //
 // It runs under round-to-nearest with every float exception masked and
 // denormals kept (MXCSR 0x1F80), whatever the caller's settings, and gives the
@@ -132,56 +134,122 @@ private:
 
 using VD = __m128d;
 
-// ln v for two positive, finite, normal doubles: v = 2^k m with m in
-// [sqrt(1/2), sqrt(2)), ln m = 2 atanh(s), s = (m - 1) / (m + 1), |s| < 0.172,
-// by its series to s^23 (the next term is below 2^-60 of the sum).
-inline VD lnPositive(VD v) {
-    const V bits = _mm_castpd_si128(v);
-    const V biased = _mm_srli_epi64(bits, 52);
-    VD m = _mm_castsi128_pd(_mm_or_si128(_mm_and_si128(bits, _mm_set1_epi64x(0x000FFFFFFFFFFFFFLL)),
-                                         _mm_set1_epi64x(0x3FF0000000000000LL)));
-    const VD big = _mm_cmpgt_pd(m, _mm_set1_pd(1.4142135623730951));
-    m = _mm_blendv_pd(m, _mm_mul_pd(m, _mm_set1_pd(0.5)), big);
-    VD k = _mm_cvtepi32_pd(_mm_shuffle_epi32(biased, _MM_SHUFFLE(3, 2, 2, 0)));
-    k = _mm_add_pd(_mm_sub_pd(k, _mm_set1_pd(1023.0)), _mm_and_pd(big, _mm_set1_pd(1.0)));
-    const VD s = _mm_div_pd(_mm_sub_pd(m, _mm_set1_pd(1.0)), _mm_add_pd(m, _mm_set1_pd(1.0)));
-    const VD s2 = _mm_mul_pd(s, s);
-    VD poly = _mm_set1_pd(1.0 / 23);
-    for (int j = 21; j >= 1; j -= 2) poly = _mm_add_pd(_mm_mul_pd(poly, s2), _mm_set1_pd(1.0 / j));
-    const VD lnm = _mm_mul_pd(_mm_add_pd(s, s), poly);
-    // k ln 2 in two parts: the high part has 32 trailing zero bits, so k times it is exact
-    const VD hi = _mm_mul_pd(k, _mm_set1_pd(6.93147180369123816490e-01));
-    const VD lo = _mm_mul_pd(k, _mm_set1_pd(1.90821492927058770002e-10));
-    return _mm_add_pd(hi, _mm_add_pd(lo, lnm));
+// log2: v = 2^k m, m in [1, 2); the top 7 bits of m's fraction pick a cell i
+// with a reciprocal c_i of its centre, kept to 28 significant bits so that
+// m c_i (24 + 28 bits) is exact, and r = m c_i - 1 is exact too, |r| < 2^-8.
+// log2 v = k - log2 c_i + log2(1 + r), the last by its series to r^5 (the
+// next term is below 2^-50).
+constexpr int kLogCells = 128;
+struct alignas(16) LogCell {
+    double inv;     // c_i
+    double log2c;   // -log2 c_i
+};
+constexpr double round28(double x) {  // x in (1/2, 1]: to 28 significant bits, nearest
+    return static_cast<double>(static_cast<long long>(x * 268435456.0 + 0.5)) / 268435456.0;
 }
-
-// exp y for two doubles limited to -700..700: y = j ln 2 + r, |r| <= ln 2 / 2,
-// exp r by its Taylor series to r^14, times 2^j built in the exponent field.
-inline VD expLimited(VD y) {
-    y = _mm_min_pd(_mm_max_pd(y, _mm_set1_pd(-700.0)), _mm_set1_pd(700.0));
-    const VD j = _mm_round_pd(_mm_mul_pd(y, _mm_set1_pd(1.4426950408889634)), _MM_FROUND_TO_NEAREST_INT | _MM_FROUND_NO_EXC);
-    VD r = _mm_sub_pd(y, _mm_mul_pd(j, _mm_set1_pd(6.93147180369123816490e-01)));
-    r = _mm_sub_pd(r, _mm_mul_pd(j, _mm_set1_pd(1.90821492927058770002e-10)));
-    double c = 1.0;
-    double coef[15];
-    for (int n = 0; n <= 14; ++n) {
-        coef[n] = 1.0 / c;
-        c *= n + 1;
+struct LogTable {
+    LogCell c[kLogCells];
+};
+constexpr LogTable makeLogTable() {
+    LogTable t{};
+    for (int i = 0; i < kLogCells; ++i) {
+        const double inv = round28(1.0 / (1.0 + (i + 0.5) / kLogCells));
+        t.c[i] = {inv, -__builtin_log2(inv)};
     }
-    VD p = _mm_set1_pd(coef[14]);
-    for (int n = 13; n >= 0; --n) p = _mm_add_pd(_mm_mul_pd(p, r), _mm_set1_pd(coef[n]));
-    const V ji = _mm_cvtepi32_epi64(_mm_cvtpd_epi32(j));
-    const VD scale = _mm_castsi128_pd(_mm_slli_epi64(_mm_add_epi64(ji, _mm_set1_epi64x(1023)), 52));
-    return _mm_mul_pd(p, scale);
+    return t;
+}
+alignas(16) inline constexpr LogTable kLog = makeLogTable();
+
+// 1 / ln 2 and the series of log2(1 + r) = (r - r^2/2 + r^3/3 - r^4/4 + r^5/5) / ln 2.
+constexpr double kInvLn2 = 1.4426950408889634;
+constexpr double kLog2Series[5] = {kInvLn2, -kInvLn2 / 2, kInvLn2 / 3, -kInvLn2 / 4, kInvLn2 / 5};
+
+// exp2: y = j / 128 + f / 128 with j the nearest integer to 128 y, |f| <= 1/2
+// (f found exactly); 2^y = 2^(j >> 7) 2^((j & 127) / 128) 2^(f / 128), the
+// middle factor from a table and the last by its series to f^4 (the next term
+// is below 2^-49).
+constexpr int kExpCells = 128;
+struct ExpTable {
+    double v[kExpCells];
+};
+constexpr ExpTable makeExpTable() {
+    ExpTable t{};
+    for (int j = 0; j < kExpCells; ++j) t.v[j] = __builtin_exp2(static_cast<double>(j) / kExpCells);
+    return t;
+}
+alignas(16) inline constexpr ExpTable kExp2 = makeExpTable();
+
+// exp((ln 2 / 128) f) = 1 + a1 f + a2 f^2 + a3 f^3 + a4 f^4
+constexpr double kLn2Cell = 0.6931471805599453 / kExpCells;
+constexpr double kExpSeries[4] = {kLn2Cell, kLn2Cell * kLn2Cell / 2, kLn2Cell * kLn2Cell * kLn2Cell / 6,
+                                  kLn2Cell * kLn2Cell * kLn2Cell * kLn2Cell / 24};
+
+
+// c0 + c1 x + c2 x^2 + c3 x^3 (+ c4 x^4), in pairs so that the terms run side by side.
+inline VD series4(VD x, const double* c) {
+    const VD x2 = _mm_mul_pd(x, x);
+    const VD lo = _mm_add_pd(_mm_set1_pd(c[0]), _mm_mul_pd(_mm_set1_pd(c[1]), x));
+    const VD hi = _mm_add_pd(_mm_set1_pd(c[2]), _mm_mul_pd(_mm_set1_pd(c[3]), x));
+    return _mm_add_pd(lo, _mm_mul_pd(x2, hi));
+}
+inline VD series5(VD x, const double* c) {
+    const VD x2 = _mm_mul_pd(x, x);
+    const VD lo = _mm_add_pd(_mm_set1_pd(c[0]), _mm_mul_pd(_mm_set1_pd(c[1]), x));
+    const VD hi = _mm_add_pd(_mm_add_pd(_mm_set1_pd(c[2]), _mm_mul_pd(_mm_set1_pd(c[3]), x)),
+                             _mm_mul_pd(_mm_set1_pd(c[4]), x2));
+    return _mm_add_pd(lo, _mm_mul_pd(x2, hi));
 }
 
-// Two float powers held as doubles (v exactly a float, e > 0).
-inline VD powerPair(VD v, VD e) {
-    const VD a = _mm_andnot_pd(_mm_set1_pd(-0.0), v);
-    VD r = expLimited(_mm_mul_pd(e, lnPositive(_mm_max_pd(a, _mm_set1_pd(1e-300)))));
-    r = _mm_andnot_pd(_mm_cmpeq_pd(a, _mm_setzero_pd()), r);                 // 0 (and -0) give 0
-    const VD odd = _mm_or_pd(_mm_cmplt_pd(v, _mm_setzero_pd()), _mm_cmpunord_pd(v, v));
-    return _mm_blendv_pd(r, _mm_sqrt_pd(v), odd);                             // negative: NaN; NaN stays
+// log2 v for two doubles that are non-negative floats (so normal as doubles, or
+// zero). The power of two is held to -420..420 (zero would give -1023, inf
+// 1024): with an exponent e in kPowerExponents the power of zero is then
+// below 2^-150 (0 as a float), that of inf above 2^150 (inf), and every power
+// stays a normal double.
+constexpr int kPowerTwoBound = 420;
+struct ExponentRange {
+    double lo, hi;
+};
+constexpr ExponentRange kPowerExponents = {0.36, 2.4};
+static_assert(kPowerTwoBound * kPowerExponents.lo > 151 && kPowerTwoBound * kPowerExponents.hi < 1020,
+              "zero and inf reach 0 and inf as floats, every power stays a normal double");
+static_assert(gExp > kPowerExponents.lo && iExp < kPowerExponents.hi, "the curves' exponents are in range");
+inline VD log2Positive(VD v) {
+    const V bits = _mm_castpd_si128(v);
+    const VD m = _mm_castsi128_pd(_mm_or_si128(_mm_and_si128(bits, _mm_set1_epi64x(0x000FFFFFFFFFFFFFLL)),
+                                               _mm_set1_epi64x(0x3FF0000000000000LL)));
+    const V hi = _mm_shuffle_epi32(bits, _MM_SHUFFLE(3, 1, 3, 1));  // the high words in lanes 0 and 1
+    const V ki = _mm_sub_epi32(_mm_srli_epi32(hi, 20), _mm_set1_epi32(1023));
+    const VD k = _mm_cvtepi32_pd(_mm_min_epi32(_mm_max_epi32(ki, _mm_set1_epi32(-kPowerTwoBound)), _mm_set1_epi32(kPowerTwoBound)));
+    const V cell = _mm_and_si128(_mm_srli_epi32(hi, 13), _mm_set1_epi32(kLogCells - 1));
+    const int i0 = _mm_cvtsi128_si32(cell), i1 = _mm_extract_epi32(cell, 1);
+    const VD c0 = _mm_load_pd(&kLog.c[i0].inv), c1 = _mm_load_pd(&kLog.c[i1].inv);
+    const VD inv = _mm_unpacklo_pd(c0, c1), log2c = _mm_unpackhi_pd(c0, c1);
+    const VD r = _mm_sub_pd(_mm_mul_pd(m, inv), _mm_set1_pd(1.0));
+    const VD p = series5(r, kLog2Series);
+    return _mm_add_pd(_mm_add_pd(k, log2c), _mm_mul_pd(p, r));
+}
+
+// 2^(y / 128) for two doubles, |y| below 1020 128 (the integer part exact in
+// 32 bits, the power a normal double).
+inline VD exp2Cells(VD y128) {
+    const VD shifter = _mm_set1_pd(6755399441055744.0);  // 1.5 2^52: adding it rounds to an integer
+    const VD js = _mm_add_pd(y128, shifter);
+    const VD f = _mm_sub_pd(y128, _mm_sub_pd(js, shifter));
+    const V j = _mm_shuffle_epi32(_mm_castpd_si128(js), _MM_SHUFFLE(2, 0, 2, 0));  // low words: j in lanes 0 and 1
+    const V cell = _mm_and_si128(j, _mm_set1_epi32(kExpCells - 1));
+    const VD t = _mm_loadh_pd(_mm_load_sd(kExp2.v + _mm_cvtsi128_si32(cell)), kExp2.v + _mm_extract_epi32(cell, 1));
+    const V scale = _mm_slli_epi64(_mm_cvtepi32_epi64(_mm_srai_epi32(j, 7)), 52);
+    const VD p = series4(f, kExpSeries);
+    const VD tp = _mm_add_pd(t, _mm_mul_pd(t, _mm_mul_pd(p, f)));
+    return _mm_castsi128_pd(_mm_add_epi64(_mm_castpd_si128(tp), scale));
+}
+
+// Two float powers held as doubles (v exactly a float, e128 = 128 e with e in
+// kPowerExponents). Zero (and -0) gives 0; a negative input or NaN a quiet NaN.
+inline VD powerPair(VD v, VD e128) {
+    const VD r = exp2Cells(_mm_mul_pd(e128, log2Positive(_mm_andnot_pd(_mm_set1_pd(-0.0), v))));
+    const VD nan = _mm_or_pd(v, _mm_castsi128_pd(_mm_set1_epi64x(0x7FF8000000000000LL)));
+    return _mm_blendv_pd(r, nan, _mm_cmpnge_pd(v, _mm_setzero_pd()));
 }
 
 // Four lanes: the two halves in doubles, each rounded once to float.
@@ -195,7 +263,7 @@ inline VF power4(VF v, VD e) {
 // the last one to three through a zero-padded block of four.
 inline void power(const float* in, float e, float* out, int count) {
     PowerMode mode;
-    const VD ev = _mm_set1_pd(static_cast<double>(e));
+    const VD ev = _mm_set1_pd(static_cast<double>(e) * kExpCells);
     int i = 0;
     for (; i + 4 <= count; i += 4) _mm_storeu_ps(out + i, power4(_mm_loadu_ps(in + i), ev));
     if (i < count) {
