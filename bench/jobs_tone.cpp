@@ -23,7 +23,7 @@ Kro32f* f32(Image& d) { return reinterpret_cast<Kro32f*>(d.data()); }
 
 #if KB_HAVE_OPENCV
 Impl opencvPow(double e, const char* call) {
-    return peer("OpenCV", call, rgbC3f, opaqueC3f, "a bare power, no break, no linear segment, no range",
+    return peer("opencv", call, rgbC3f, opaqueC3f, "a bare power, no break, no linear segment, no range",
                 [e](const Image& s, Image& d) {
                     const cv::Mat in(s.height(), s.width(), CV_32FC3, const_cast<std::uint8_t*>(s.data()),
                                      static_cast<size_t>(s.step()));
