@@ -22,16 +22,6 @@ constexpr uint32_t kStride = KROCC_FULL_SWEEPS ? 1 : 97;  // colours stepped ove
 
 ref::Rgb colour(uint32_t t) { return {int(t >> 16) & 255, int(t >> 8) & 255, int(t) & 255}; }
 
-template <class F, class = void>
-struct HasLumaVec : std::false_type {};
-template <class F>
-struct HasLumaVec<F, std::void_t<decltype(sizeof(&F::vec))>> : std::true_type {};
-
-template <class F, class = void>
-struct HasFromA14 : std::false_type {};
-template <class F>
-struct HasFromA14<F, std::void_t<decltype(sizeof(&F::fromA14))>> : std::true_type {};
-
 // Eight lanes of Y: by the vector form, and where the form takes A14, also from
 // the bytes of the even and of the odd pixels as the 16-pixel steps read them.
 static_assert(HasFromA14<L2>::value && !HasFromA14<L4>::value, "the byte path is checked where it is taken");
@@ -59,7 +49,7 @@ void checkLuma(int form) {
     int n = 0;
     uint32_t ts[8];
     auto flush = [&] {
-        if constexpr (HasLumaVec<F>::value) {
+        if constexpr (HasVec<F>::value) {
             const LumaLanes lanes = lumaVectors<F>(_mm_load_si128(reinterpret_cast<V*>(r)),
                                                    _mm_load_si128(reinterpret_cast<V*>(g)),
                                                    _mm_load_si128(reinterpret_cast<V*>(b)));

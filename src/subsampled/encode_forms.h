@@ -9,6 +9,7 @@
 // (clampVideo) apply that limit themselves.
 #pragma once
 
+#include <type_traits>
 #include "frame/forms.h"
 #include "matrix/ycbcr_forms.h"
 
@@ -631,5 +632,21 @@ inline int filterMain(int e, int oNext, int oPrev) { return (e + oNext + oPrev +
 inline V filterMain(V e, V oNext, V oPrev) { return sar16<7>(add16(add16(add16(e, oNext), oPrev), splat16(16448))); }
 // A pair after the main path: p is the left neighbour's quarter in 16 fraction bits.
 inline int filterTail(int cEven, int p, int cOdd) { return ((cEven >> 1) + p + (cOdd >> 2) + 8421375) >> 16; }
+
+// What a form offers: a vector version (none where the main span is none), a
+// product from A14 bytes, chroma from pre-scaled pair sums.
+template <class F, class = void>
+struct HasVec : std::false_type {};
+template <class F>
+struct HasVec<F, std::void_t<decltype(sizeof(&F::vec))>> : std::true_type {};
+
+template <class F, class = void>
+struct HasFromA14 : std::false_type {};
+template <class F>
+struct HasFromA14<F, std::void_t<decltype(sizeof(&F::fromA14))>> : std::true_type {};
+template <class F, class = void>
+struct HasScaled : std::false_type {};
+template <class F>
+struct HasScaled<F, std::void_t<decltype(sizeof(&F::scaled))>> : std::true_type {};
 
 }  // namespace kro::sub

@@ -309,21 +309,6 @@ struct OddLuma {  // luma only, by the given form (4:1:1)
 };
 
 // ============================================================ the encoder
-// Forms without a vector version (operations whose main span is none).
-template <class F, class = void>
-struct HasVec : std::false_type {};
-template <class F>
-struct HasVec<F, std::void_t<decltype(sizeof(&F::vec))>> : std::true_type {};
-
-template <class F, class = void>
-struct HasFromA14 : std::false_type {};
-template <class F>
-struct HasFromA14<F, std::void_t<decltype(sizeof(&F::fromA14))>> : std::true_type {};
-template <class F, class = void>
-struct HasScaled : std::false_type {};
-template <class F>
-struct HasScaled<F, std::void_t<decltype(sizeof(&F::scaled))>> : std::true_type {};
-
 // BW x BH: block shape. Span: the main-span rule. MY, MC: main luma and chroma
 // forms; TYE, TYO: tail luma of even and odd columns; TC: tail chroma; Odd:
 // the rule for columns past the last whole block.
