@@ -301,6 +301,7 @@ TEST_P(GammaOp, FloatEdgeValues) {
 TEST_P(GammaOp, CallersRoundingModeKept) {
     const Op& op = GetParam();
     const unsigned saved = _mm_getcsr();
+    const int savedMode = std::fegetround();  // the x87 control word too, which later tests' printf reads
     for (int mode : {FE_TONEAREST, FE_DOWNWARD, FE_UPWARD, FE_TOWARDZERO}) {
         for (bool ftz : {false, true}) {
             std::fesetround(mode);
@@ -321,6 +322,7 @@ TEST_P(GammaOp, CallersRoundingModeKept) {
             EXPECT_EQ(after & ~0x3Fu, before & ~0x3Fu) << op.name << " mode " << mode << (ftz ? " ftz" : "");
         }
     }
+    std::fesetround(savedMode);
     _mm_setcsr(saved);
 }
 
