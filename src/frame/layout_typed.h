@@ -178,6 +178,27 @@ inline void storeSample(T* p, T v) {
     std::memcpy(p, &v, sizeof v);
 }
 
+// ------------------------------------------------------------ four pixels of three floats
+// In memory [a0 b0 c0 a1] [b1 c1 a2 b2] [c2 a3 b3 c3]: each channel sits at four
+// different positions of the three vectors, so two blends gather it and one
+// dword shuffle orders it; the reverse for storing. No byte shuffles.
+inline void split3(const VF (&in)[3], VF (&c)[3]) {
+    const VF a = _mm_blend_ps(_mm_blend_ps(in[0], in[1], 0x4), in[2], 0x2);  // a0 a3 a2 a1
+    const VF b = _mm_blend_ps(_mm_blend_ps(in[1], in[0], 0x2), in[2], 0x4);  // b1 b0 b3 b2
+    const VF d = _mm_blend_ps(_mm_blend_ps(in[2], in[1], 0x2), in[0], 0x4);  // c2 c1 c0 c3
+    c[0] = _mm_shuffle_ps(a, a, _MM_SHUFFLE(1, 2, 3, 0));
+    c[1] = _mm_shuffle_ps(b, b, _MM_SHUFFLE(2, 3, 0, 1));
+    c[2] = _mm_shuffle_ps(d, d, _MM_SHUFFLE(3, 0, 1, 2));
+}
+inline void join3(const VF (&c)[3], VF (&out)[3]) {
+    const VF a = _mm_shuffle_ps(c[0], c[0], _MM_SHUFFLE(1, 2, 3, 0));  // a0 a3 a2 a1
+    const VF b = _mm_shuffle_ps(c[1], c[1], _MM_SHUFFLE(2, 3, 0, 1));  // b1 b0 b3 b2
+    const VF d = _mm_shuffle_ps(c[2], c[2], _MM_SHUFFLE(3, 0, 1, 2));  // c2 c1 c0 c3
+    out[0] = _mm_blend_ps(_mm_blend_ps(a, b, 0x2), d, 0x4);  // a0 b0 c0 a1
+    out[1] = _mm_blend_ps(_mm_blend_ps(b, d, 0x2), a, 0x4);  // b1 c1 a2 b2
+    out[2] = _mm_blend_ps(_mm_blend_ps(d, a, 0x2), b, 0x4);  // c2 a3 b3 c3
+}
+
 // ------------------------------------------------------------ interleaved source
 // Cn = 1, 3 or 4 samples a pixel (4: the fourth is never taken into a channel).
 template <class T, int Cn>
@@ -218,7 +239,16 @@ struct SrcCT {
         template <int N>
         void loadFloats(int x, VF (&c)[3]) const {
             static_assert(N == 4, "four float lanes");
-            if constexpr (Sample<T>::isFloat) {
+            if constexpr (Sample<T>::isFloat && Cn == 3) {
+                VF in[3];
+                for (int v = 0; v < 3; ++v) in[v] = _mm_loadu_ps(reinterpret_cast<const float*>(p + 3 * x) + 4 * v);
+                split3(in, c);
+            } else if constexpr (Sample<T>::isFloat && Cn == 4) {
+                VF in[4];
+                for (int v = 0; v < 4; ++v) in[v] = _mm_loadu_ps(reinterpret_cast<const float*>(p + 4 * x) + 4 * v);
+                _MM_TRANSPOSE4_PS(in[0], in[1], in[2], in[3]);
+                for (int ch = 0; ch < 3; ++ch) c[ch] = in[ch];
+            } else if constexpr (Sample<T>::isFloat) {
                 constexpr int bytes = Cn * S * N;
                 V in[vectorsFor(bytes)];
                 loadSpan<bytes>(p + Cn * x, in);
@@ -281,9 +311,24 @@ struct DstCT {
         template <int N>
         void storeFloats(int x, const VF (&c)[K]) const {
             static_assert(Sample<T>::isFloat && N == 4, "four float lanes to float samples");
-            V l[K];
-            for (int k = 0; k < K; ++k) l[k] = _mm_castps_si128(c[k]);
-            store<4, 4>(x, l);
+            float* q = reinterpret_cast<float*>(p + Cn * x);
+            if constexpr (Cn == 3) {
+                VF out[3];
+                join3(c, out);
+                for (int v = 0; v < 3; ++v) _mm_storeu_ps(q + 4 * v, out[v]);
+            } else if constexpr (Cn == 4) {
+                // transpose, then each pixel's fourth sample as it was (or the fourth channel)
+                VF t[4] = {c[0], c[1], c[2], K == 4 ? c[K - 1] : c[0]};
+                _MM_TRANSPOSE4_PS(t[0], t[1], t[2], t[3]);
+                for (int v = 0; v < 4; ++v) {
+                    if constexpr (F == Fourth::Keep) t[v] = _mm_blend_ps(t[v], _mm_loadu_ps(q + 4 * v), 8);
+                    _mm_storeu_ps(q + 4 * v, t[v]);
+                }
+            } else {
+                V l[K];
+                for (int k = 0; k < K; ++k) l[k] = _mm_castps_si128(c[k]);
+                store<4, 4>(x, l);
+            }
         }
         // Low bits of an integer result; a float as it is.
         template <class U>
