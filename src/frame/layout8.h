@@ -105,6 +105,11 @@ inline void storeBytes(uint8_t* p, const V (&out)[Cn]) {
     }
 }
 
+// Three samples a pixel go by blends (below).
+template <int Wd = 1>
+inline void deinterleave3(const V (&in)[3], V (&c)[3]);
+inline void interleave3(const V (&c)[3], V (&out)[3]);
+
 // Interleaved bytes to channel vectors (channels 0..Cn-1 of px).
 template <int Cn>
 inline void deinterleave(const V (&in)[Cn], Px& px) {
@@ -119,6 +124,12 @@ inline void deinterleave(const V (&in)[Cn], Px& px) {
         px.c[1] = _mm_unpackhi_epi64(t0, t2);
         px.c[2] = _mm_unpacklo_epi64(t1, t3);
         px.c[3] = _mm_unpackhi_epi64(t1, t3);
+        return;
+    }
+    if constexpr (Cn == 3) {
+        V c[3];
+        deinterleave3(in, c);
+        for (int k = 0; k < 3; ++k) px.c[k] = c[k];
         return;
     }
     const auto& t = kInterleave<Cn>;
@@ -138,6 +149,11 @@ inline void interleave(const Px& px, V (&out)[Cn]) {
         out[1] = _mm_unpackhi_epi16(t0, t2);
         out[2] = _mm_unpacklo_epi16(t1, t3);
         out[3] = _mm_unpackhi_epi16(t1, t3);
+        return;
+    }
+    if constexpr (Cn == 3) {
+        const V c[3] = {px.c[0], px.c[1], px.c[2]};
+        interleave3(c, out);
         return;
     }
     const auto& t = kInterleave<Cn>;
@@ -181,7 +197,7 @@ constexpr Blend3Tables makeBlend3Tables(int wd) {
 template <int Wd>
 inline constexpr Blend3Tables kBlend3 = makeBlend3Tables(Wd);
 
-template <int Wd = 1>
+template <int Wd>
 inline void deinterleave3(const V (&in)[3], V (&c)[3]) {
     const auto& t = kBlend3<Wd>;
     for (int k = 0; k < 3; ++k) {
