@@ -87,18 +87,20 @@ constexpr int vectorsFor(int bytes) { return (bytes + 15) / 16; }
 // lanes of L bytes, taken from memory vector v. The sample lands in the high S
 // bytes of its lane (so an arithmetic or logical shift by 8 (L - S) extends it)
 // unless L == S.
-template <int Cn, int S, int L, int N>
+template <int Cn, int S, int L, int N, bool Low = false>
 struct GatherTable {
     static constexpr int inVecs = vectorsFor(Cn * S * N);
     ByteMask m[inVecs][3];
 };
-template <int Cn, int S, int L, int N>
-constexpr GatherTable<Cn, S, L, N> makeGather() {
-    GatherTable<Cn, S, L, N> t{};
+// Low: the sample in the lane's low S bytes and zeros above (unsigned samples
+// come out zero-extended, with no shift).
+template <int Cn, int S, int L, int N, bool Low = false>
+constexpr GatherTable<Cn, S, L, N, Low> makeGather() {
+    GatherTable<Cn, S, L, N, Low> t{};
     for (int v = 0; v < t.inVecs; ++v)
         for (int ch = 0; ch < 3; ++ch)
             for (int j = 0; j < 16; ++j) {
-                const int lane = j / L, inLane = j % L - (L - S);
+                const int lane = j / L, inLane = Low ? (j % L < S ? j % L : -1) : j % L - (L - S);
                 int8_t src = -128;
                 if (lane < N && inLane >= 0) {
                     const int at = S * (Cn * lane + ch) + inLane;
@@ -108,8 +110,8 @@ constexpr GatherTable<Cn, S, L, N> makeGather() {
             }
     return t;
 }
-template <int Cn, int S, int L, int N>
-inline constexpr GatherTable<Cn, S, L, N> kGather = makeGather<Cn, S, L, N>();
+template <int Cn, int S, int L, int N, bool Low = false>
+inline constexpr GatherTable<Cn, S, L, N, Low> kGather = makeGather<Cn, S, L, N, Low>();
 
 // Scatter: memory vector v of a block of N pixels of Cn samples, the bytes that
 // channel ch (< K) gives from the low S bytes of its lanes; `keep` marks the
@@ -214,19 +216,30 @@ struct SrcCT {
         // Integer lanes of L bytes: samples zero-extended, or sign-extended for signed types.
         template <int N, int L>
         void loadLanes(int x, V (&c)[3]) const {
-            loadLanesHigh<N, L>(x, c);
-            for (int ch = 0; ch < (Cn < 3 ? Cn : 3); ++ch) c[ch] = extend<L>(c[ch]);
+            if constexpr (!Sample<T>::isSigned && L > S) {
+                gather<N, L, true>(x, c);  // zero-extended by the gather itself
+            } else {
+                gather<N, L, false>(x, c);
+                for (int ch = 0; ch < (Cn < 3 ? Cn : 3); ++ch) c[ch] = extend<L>(c[ch]);
+            }
         }
 
         // Integer lanes of L bytes with each sample in the lane's high S bytes and
         // zeros below (an 8u sample in a 16-bit lane comes out as sample << 8).
         template <int N, int L>
         void loadLanesHigh(int x, V (&c)[3]) const {
+            gather<N, L, false>(x, c);
+        }
+
+        // Channels of N pixels into lanes of L bytes, each sample in the lane's
+        // high bytes (Low: its low bytes, zeros above).
+        template <int N, int L, bool Low>
+        void gather(int x, V (&c)[3]) const {
             static_assert(!Sample<T>::isFloat && N * L <= 16 && L >= S, "integer samples in wider lanes");
             constexpr int bytes = Cn * S * N;
             V in[vectorsFor(bytes)];
             loadSpan<bytes>(p + Cn * x, in);
-            const auto& t = kGather<Cn, S, L, N>;
+            const auto& t = kGather<Cn, S, L, N, Low>;
             for (int ch = 0; ch < (Cn < 3 ? Cn : 3); ++ch) {
                 V acc = _mm_shuffle_epi8(in[0], loadMask(t.m[0][ch]));
                 for (int v = 1; v < t.inVecs; ++v)
