@@ -1,8 +1,8 @@
 // RGB <-> HSV in 8u and 16u, interleaved C3 and AC4 (the source's fourth
 // sample is never read, the destination's keeps its value). Entry: null (-8),
 // then size (-6); no step is tested; 16u steps are shifted right by 1 into
-// samples. 8u forward and both inverses: main path of 4 float lanes and a
-// scalar tail; 16u forward: one scalar loop with true divisions.
+// samples. Main path of 4 float lanes and a scalar tail; the 16u forward form
+// divides in both.
 #include "frame/region.h"
 #include "impl_decls.h"
 #include "perceptual/hsv_forms.h"
@@ -15,31 +15,13 @@ namespace {
 template <class T, int Cn>
 using DstOf = std::conditional_t<Cn == 3, DstCT<T, 3>, DstCT<T, 4, Fourth::Keep>>;
 
-// Region driver of the 16u forward form: rows of single pixels.
-template <class Src, class Dst>
-void forward16(const Src& src, const Dst& dst, kroiSize roi) {
-    for (int y = 0; y < roi.height; ++y) {
-        const auto s = src.row(y);
-        const auto d = dst.row(y);
-        for (int x = 0; x < roi.width; ++x) {
-            int in[3], o[3];
-            s.get(x, in);
-            Fwd16::one(in, o);
-            d.put(x, o);
-        }
-    }
-}
-
 template <class Form, class T, int Cn>
 KroStatus convert(const T* pSrc, int srcStep, T* pDst, int dstStep, kroiSize roi) {
     if (anyNull(pSrc, pDst)) return kroStatusNullPointer;
     if (badSize(roi)) return kroStatusBadSize;
     const SrcCT<T, Cn> src{pSrc, stepInSamples<T>(srcStep)};
     const DstOf<T, Cn> dst{pDst, stepInSamples<T>(dstStep)};
-    if constexpr (std::is_same_v<Form, Fwd16>)
-        forward16(src, dst, roi);
-    else
-        runRegion(Form{}, src, dst, roi);
+    runRegion(Form{}, src, dst, roi);
     return kroStatusOk;
 }
 

@@ -91,12 +91,34 @@ struct Fwd8 : FloatToInt {
 };
 
 // ------------------------------------------------------------ forward, 16-bit
-// One pixel: max, min and spread in integers, S and H by true divisions,
-// truncated after + 0.5; V is the maximum. A hue within eps32 below 0 is not
-// wrapped (it then gives H = 0).
-struct Fwd16 {
-    static void one(const int (&in)[3], int (&o)[3]) {
-        const int R = in[0], G = in[1], B = in[2];
+// One pixel: max, min and spread, S and H by true divisions, truncated after
+// + 0.5; V is the maximum. A hue within eps32 below 0 is not wrapped (it then
+// gives H = 0). Samples below 2^24 are exact as floats, so four float lanes give
+// the scalar numbers; achromatic lanes divide by 1 and are masked to 0, so no
+// division by zero is raised.
+struct Fwd16 : FloatToInt {
+    void vec(const VF (&in)[3], V (&o)[3]) const {
+        const VF R = in[0], G = in[1], B = in[2];
+        const VF mx = _mm_max_ps(_mm_max_ps(R, G), B), mn = _mm_min_ps(_mm_min_ps(R, G), B);
+        const VF d = _mm_sub_ps(mx, mn);
+        const VF zero = _mm_setzero_ps(), one = splat(1.0f);
+        const VF chroma = _mm_andnot_ps(_mm_cmpeq_ps(mx, zero), _mm_cmpneq_ps(d, zero));
+        const VF fd = _mm_blendv_ps(one, d, chroma), fm = _mm_blendv_ps(one, mx, chroma);
+        const VF s = addF(mulF(_mm_div_ps(fd, fm), splat(65535.0f)), splat(0.5f));
+        const VF inv = _mm_div_ps(one, fd);
+        const VF tR = mulF(_mm_sub_ps(mx, R), inv), tG = mulF(_mm_sub_ps(mx, G), inv);
+        const VF tB = mulF(_mm_sub_ps(mx, B), inv);
+        const VF vB = addF(_mm_sub_ps(splat(4.0f), tR), tG);
+        const VF vG = _mm_sub_ps(addF(tR, splat(2.0f)), tB), vR = _mm_sub_ps(tB, tG);
+        VF v = _mm_blendv_ps(_mm_blendv_ps(vR, vG, _mm_cmpeq_ps(G, mx)), vB, _mm_cmpeq_ps(B, mx));
+        v = _mm_blendv_ps(v, addF(splat(6.0f), v), _mm_cmplt_ps(addF(splat(kEps32), v), zero));
+        v = _mm_and_ps(v, chroma);
+        o[0] = truncToInt(addF(_mm_div_ps(mulF(v, splat(65535.0f)), splat(6.0f)), splat(0.5f)));
+        o[1] = _mm_and_si128(_mm_castps_si128(chroma), truncToInt(s));
+        o[2] = truncToInt(mx);
+    }
+    void one(const float (&in)[3], int (&o)[3]) const {
+        const int R = int(in[0]), G = int(in[1]), B = int(in[2]);
         const int mx = R > G ? (R > B ? R : B) : (G > B ? G : B);
         const int mn = R < G ? (R < B ? R : B) : (G < B ? G : B);
         const int d = mx - mn;
