@@ -133,7 +133,7 @@ void runCase(bool mean, int w, int h, int off, int srcPad, int dstPad, Gen gen) 
         for (int y = 0; y < h; ++y)
             for (int x = 0; x < w; ++x) {
                 float v;
-                std::memcpy(&v, src + std::ptrdiff_t(y) * (s.step & ~3) + 4 * x, 4);
+                std::memcpy(&v, src + ((std::ptrdiff_t(y) * s.step) & ~std::ptrdiff_t(3)) + 4 * x, 4);
                 d.rowIn(want, y)[x] = e.fill ? 0 : refPixel(mean, v, e.s);
             }
     ASSERT_EQ(f(reinterpret_cast<const Kro32f*>(src), s.step, d.origin(), d.step, {w, h}), e.st)
@@ -159,6 +159,8 @@ TEST(ToneMap, SignsAndSpecialMeasures) {
         runCase(mean, 20, 1, 0, 0, 0, [](int x, int) { return x % 2 ? 0.0f : -1.0f; });
         runCase(mean, 37, 2, 4, 8, 2, [](int x, int y) { return (x + y) % 7 == 0 ? -3.0f : float(x) * 1.5f; });
         runCase(mean, 33, 2, 0, 0, 1, [](int x, int) { return x == 5 ? 3e9f : 1.0f; });
+        // a step off the 4-byte grid: row 2 starts at its own rounded byte offset
+        runCase(mean, 9, 3, 0, 6, 0, [](int x, int y) { return float(x + 10 * y); });
     }
 }
 

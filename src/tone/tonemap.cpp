@@ -205,10 +205,10 @@ void toneRow(const Form& f, const float* s, uint8_t* d, int width, bool pairs) {
     for (; x < width; ++x) d[x] = f.one(sampleAt(s, x));
 }
 
-// Region driver: source rows by the byte step rounded down to whole samples.
+// Region driver: each source row at its byte offset y x srcStep rounded down
+// to whole samples (a step off the 4-byte grid moves rows by whole floats).
 template <class Form>
 void toneRegion(const Form& f, const Kro32f* pSrc, int srcStep, Kro8u* pDst, int dstStep, kroiSize roi) {
-    const int srcFloats = srcStep >> 2;
     // does the destination's span reach into the first source row?
     const intptr_t d0 = reinterpret_cast<intptr_t>(pDst);
     const intptr_t dLast = d0 + static_cast<intptr_t>(roi.height - 1) * dstStep;
@@ -216,7 +216,7 @@ void toneRegion(const Form& f, const Kro32f* pSrc, int srcStep, Kro8u* pDst, int
     const intptr_t s0 = reinterpret_cast<intptr_t>(pSrc), s1 = s0 + 4 * static_cast<intptr_t>(roi.width);
     const bool pairs = roi.width > dstStep || (dLo < s1 && dHi > s0);
     for (int y = 0; y < roi.height; ++y)
-        toneRow(f, pSrc + static_cast<std::ptrdiff_t>(y) * srcFloats, pDst + static_cast<std::ptrdiff_t>(y) * dstStep,
+        toneRow(f, pSrc + ((static_cast<std::ptrdiff_t>(y) * srcStep) >> 2), pDst + static_cast<std::ptrdiff_t>(y) * dstStep,
                 roi.width, pairs);
 }
 
