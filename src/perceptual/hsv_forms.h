@@ -64,9 +64,12 @@ struct Fwd8 : FloatToInt {
         VF h = _mm_blendv_ps(_mm_blendv_ps(hR, hG, gCase), hB, bCase);
         h = mulF(h, splat(42.5f));
         h = _mm_blendv_ps(h, addF(splat(255.0f), h), _mm_cmplt_ps(h, _mm_setzero_ps()));
-        const V keep = _mm_castps_si128(_mm_andnot_ps(achro, _mm_castsi128_ps(_mm_set1_epi32(-1))));
-        o[0] = _mm_and_si128(keep, clampU8(roundEven(h)));
-        o[1] = _mm_and_si128(keep, clampU8(roundEven(s)));
+        // The clamps to 0..255 never bind here: e <= m, so with the estimate's
+        // error s stays below 255.1, and every sector keeps h x 42.5 (after
+        // the wrap) within 0..255 as well; roundEven then gives 0..255.
+        const V grey = _mm_castps_si128(achro);
+        o[0] = _mm_andnot_si128(grey, roundEven(h));
+        o[1] = _mm_andnot_si128(grey, roundEven(s));
         o[2] = truncToInt(mx);
     }
     void one(const float (&in)[3], int (&o)[3]) const {
@@ -87,7 +90,6 @@ struct Fwd8 : FloatToInt {
         if (h < 0.0f) h = addF(h, 255.0f);
         o[0] = roundEven(h);
     }
-    static V clampU8(V x) { return _mm_min_epi32(_mm_max_epi32(x, zero()), _mm_set1_epi32(255)); }
 };
 
 // ------------------------------------------------------------ forward, 16-bit
