@@ -565,6 +565,14 @@ TEST(HlsValues, LightnessRoundsByPath) {
     const auto o4 = runRow(kroiRGBToHLS_8u_AC4R, c4, 4);
     EXPECT_EQ(o4[1], 22);
     EXPECT_EQ(o4[17], 22);
+    // Lf = 22.5 under the caller's upward mode: 23 in the 16-pixel and the 4-pixel steps alike
+    std::vector<Kro8u> c20;
+    for (int i = 0; i < 20; ++i) c20.insert(c20.end(), {11, 20, 34, 0});
+    std::fesetround(FE_UPWARD);
+    const auto up = runRow(kroiRGBToHLS_8u_AC4R, c20, 4);
+    std::fesetround(FE_TONEAREST);
+    EXPECT_EQ(up[1], 23);
+    EXPECT_EQ(up[4 * 16 + 1], 23);
     Kro8u p0[5], p1[5], p2[5];
     Kro8u* d[3] = {p0, p1, p2};
     const Kro8u bgr[15] = {32, 20, 11, 32, 20, 11, 32, 20, 11, 32, 20, 11, 32, 20, 11};

@@ -196,8 +196,10 @@ inline VF byteFloats(V v) { return _mm_cvtepi32_ps(byteLanes<J>(v)); }
 
 // Path 1 main on 16 pixels of bytes (8u RGB): the numbers of Fwd1Main. What is
 // exact on integers is taken in bytes, sixteen pixels an instruction:
-//  - mx, mn and d; L = (mx + mn) / 2 to nearest, ties to even: the average
-//    rounded up, less one where the sum is odd and that average is odd;
+//  - mx, mn and d; L = (mx + mn) / 2 converted as the float unit converts
+//    Lf under the caller's rounding mode: the average rounded up, less one
+//    where the sum is odd and, to nearest, that average is odd (ties to
+//    even), downward or toward zero always, upward never;
 //  - the saturation's denominator, mx + mn up to 255, else 510 - (mx + mn) =
 //    (255 - mx) + (255 - mn): the smaller of the two sums saturated at 255
 //    (at least 1 wherever d is not 0);
@@ -211,6 +213,15 @@ inline VF byteFloats(V v) { return _mm_cvtepi32_ps(byteLanes<J>(v)); }
 // black and white is 0, and d itself): finite numbers times d = 0 and a - b
 // = 0 give their S and H of 0, with no infinity or NaN on the way.
 struct Fwd1Main16 {
+    // Where an odd sum's half goes down, as a mask on the rounded-up average.
+    static V halfDown(V up) {
+        switch (_mm_getcsr() & 0x6000u) {
+            case 0x0000u: return up;                   // nearest: down where up is odd
+            case 0x4000u: return zero();               // upward
+            default: return _mm_set1_epi8(-1);         // downward, toward zero
+        }
+    }
+
     template <int J>
     static void block(V d, V den, V a, V b, V turn, V& h, V& s) {
         const VF df = byteFloats<J>(d);
@@ -226,7 +237,7 @@ struct Fwd1Main16 {
         const V d = _mm_sub_epi8(mx, mn);
         const V one = _mm_set1_epi8(1), ones = _mm_set1_epi8(-1);
         const V up = _mm_avg_epu8(mx, mn);
-        const V L = _mm_sub_epi8(up, _mm_and_si128(_mm_and_si128(_mm_xor_si128(mx, mn), up), one));
+        const V L = _mm_sub_epi8(up, _mm_and_si128(_mm_and_si128(_mm_xor_si128(mx, mn), halfDown(up)), one));
         const V den = _mm_max_epu8(_mm_min_epu8(_mm_adds_epu8(mx, mn),
                                                 _mm_adds_epu8(_mm_xor_si128(mx, ones), _mm_xor_si128(mn, ones))),
                                    one);
