@@ -3,6 +3,7 @@
 // estimate, and within the interval any admissible estimate allows),
 // statuses in order, exhaustive sweeps of the 8-bit forms, the model's
 // identities and the stated values.
+#include <cfenv>
 #include <gtest/gtest.h>
 
 #include "convt_test.h"
@@ -120,6 +121,18 @@ TEST(HsvValues, GreyGivesZeroHueAndSaturationOnEveryPath) {
     for (int g : {0, 1, 30000, 65535})
         for (int x : {0, 4})
             EXPECT_EQ(at3<Kro16u>(kroiRGBToHSV_16u_C3R, x, 5, g, g, g), (A16{0, 0, Kro16u(g)}));
+}
+
+// Under upward rounding a pure colour's saturation, 255 times the estimate's
+// quotient, can round up to 256: the main path's clamp keeps it at 255.
+TEST(HsvValues, MainPathSaturationClampedUnderUpwardRounding) {
+    const int mode = std::fegetround();
+    std::fesetround(FE_UPWARD);
+    for (int v = 1; v < 256; ++v) {
+        const refv::Px e = refv::fwd8Main(v, 0, 0);
+        EXPECT_EQ(at3<Kro8u>(kroiRGBToHSV_8u_C3R, 0, 5, v, 0, 0), (A8{Kro8u(e[0]), Kro8u(e[1]), Kro8u(e[2])})) << v;
+    }
+    std::fesetround(mode);
 }
 
 TEST(HsvValues, TopHueCodeIsHueZero) {

@@ -64,12 +64,13 @@ struct Fwd8 : FloatToInt {
         VF h = _mm_blendv_ps(_mm_blendv_ps(hR, hG, gCase), hB, bCase);
         h = mulF(h, splat(42.5f));
         h = _mm_blendv_ps(h, addF(splat(255.0f), h), _mm_cmplt_ps(h, _mm_setzero_ps()));
-        // The clamps to 0..255 never bind here: e <= m, so with the estimate's
-        // error s stays below 255.1, and every sector keeps h x 42.5 (after
-        // the wrap) within 0..255 as well; roundEven then gives 0..255.
+        // Of the clamps to 0..255 only S's upper one can bind: e <= m, so with
+        // the estimate's error s stays below 255.1, which rounds to 256 under an
+        // upward rounding mode; every sector keeps h x 42.5 (after the wrap)
+        // within 0..255 in every mode.
         const V grey = _mm_castps_si128(achro);
         o[0] = _mm_andnot_si128(grey, roundEven(h));
-        o[1] = _mm_andnot_si128(grey, roundEven(s));
+        o[1] = _mm_andnot_si128(grey, _mm_min_epi32(roundEven(s), _mm_set1_epi32(255)));
         o[2] = truncToInt(mx);
     }
     void one(const float (&in)[3], int (&o)[3]) const {
