@@ -3,7 +3,11 @@
 // photograph used for end-to-end checks.
 #pragma once
 
+#include <gtest/gtest.h>
+
+#include <algorithm>
 #include <cmath>
+#include <functional>
 #include <cstring>
 #include <string>
 #include <vector>
@@ -108,6 +112,63 @@ inline double psnr(const Photo& p, const uint8_t* out, int cn, const int (&order
                 ++n;
             }
     return 10.0 * std::log10(255.0 * 255.0 * n / se);
+}
+
+// ------------------------------------------------------------ checks shared by the reconstructions
+// An entry in one shape: samples of 1 or 2 bytes, source mosaic, region, image
+// size and step, destination and step, grid; each file's adapter supplies the rest
+// (gains, work buffer, which twin).
+using DemosaicCall =
+    std::function<KroStatus(int sampleBytes, const void* s, kroiRect roi, kroiSize size, int sStep, void* d, int dStep, int grid)>;
+
+// The photograph mosaicked with every grid and reconstructed (8-bit): at least
+// minDb away from a border of two pixels.
+inline void photographAbove(const DemosaicCall& call, int cn, const int (&order)[3], double minDb) {
+    const Photo p = loadPhoto();
+    if (p.w == 0) GTEST_SKIP() << "no libpng or no test image";
+    for (int grid = 0; grid < 4; ++grid) {
+        const std::vector<uint8_t> mos = mosaicOf(p, grid);
+        std::vector<uint8_t> out(static_cast<size_t>(p.w) * p.h * cn);
+        ASSERT_EQ(call(1, mos.data(), {0, 0, p.w, p.h}, {p.w, p.h}, p.w, out.data(), p.w * cn, grid), kroStatusOk);
+        const double db = psnr(p, out.data(), cn, order, 2);
+        EXPECT_GT(db, minDb) << "grid " << grid;
+        ::testing::Test::RecordProperty("psnr_grid" + std::to_string(grid), std::to_string(db));
+    }
+}
+
+// Empty regions (or regions wholly outside the image) return 0 and write nothing, in both sample sizes.
+inline void emptyRegionsWriteNothing(const DemosaicCall& call, kroiSize size, std::initializer_list<kroiRect> rects) {
+    std::vector<Kro16u> s(size_t(size.width) * size.height, 1234);
+    Kro8u d[64];
+    std::memset(d, 77, sizeof d);
+    for (kroiRect r : rects)
+        for (int e : {1, 2}) {
+            EXPECT_EQ(call(e, s.data(), r, size, size.width * e, d, 16, 0), kroStatusOk) << r.x << "," << r.y;
+            for (Kro8u v : d) ASSERT_EQ(v, 77);
+        }
+}
+
+// Check order as a table, each row through both sample sizes on an 8 x 8 source;
+// a failing call leaves the destination as it was (and `failed` may look at more).
+struct StatusRow {
+    bool sNull, dNull;
+    kroiSize size;
+    int grid;
+    kroiRect roi;
+    KroStatus want;
+};
+inline void statusTable(const DemosaicCall& call, int cn, std::initializer_list<StatusRow> rows,
+                        const std::function<void()>& failed = {}) {
+    Kro16u s[64] = {}, d[256];
+    for (const StatusRow& w : rows)
+        for (int e : {1, 2}) {
+            std::fill(std::begin(d), std::end(d), Kro16u(33));
+            EXPECT_EQ(call(e, w.sNull ? nullptr : s, w.roi, w.size, 8 * e, w.dNull ? nullptr : d, 8 * cn * e, w.grid), w.want)
+                << "size " << w.size.width << "x" << w.size.height << " grid " << w.grid << " sample bytes " << e;
+            if (w.want == kroStatusOk) continue;
+            for (Kro16u v : d) ASSERT_EQ(v, 33);
+            if (failed) failed();
+        }
 }
 
 }  // namespace kt
