@@ -398,21 +398,6 @@ TEST(LabKnown, Inverse) {
 // ------------------------------------------------------------ round trips
 using Image = kt::Photo;
 
-// Smooth ramps with a speckle of noise, odd width.
-Image syntheticImage() {
-    Image im;
-    im.width = 451;
-    im.height = 300;
-    for (int y = 0; y < im.height; ++y)
-        for (int x = 0; x < im.width; ++x) {
-            const int n = int(rng()() % 9) - 4;
-            im.rgb.push_back(Kro8u(std::clamp(x * 255 / 450 + n, 0, 255)));
-            im.rgb.push_back(Kro8u(std::clamp(y * 255 / 299 - n, 0, 255)));
-            im.rgb.push_back(Kro8u((x * 3 + y * 5) & 255));
-        }
-    return im;
-}
-
 struct TripErrors {
     int rgb8 = 0, bgr16 = 0;
     double f32 = 0, f32Lit = 0;  // all pixels; pixels with every channel at least 0.1
@@ -459,7 +444,7 @@ void checkTrips(const TripErrors& e, const char* what) {
     EXPECT_LT(e.f32Lit, 4e-6) << what;
 }
 
-TEST(LabRoundTrip, SyntheticImage) { checkTrips(roundTrips(syntheticImage()), "synthetic 451x300"); }
+TEST(LabRoundTrip, SyntheticImage) { checkTrips(roundTrips(kt::syntheticPhoto()), "synthetic 451x300"); }
 
 #if KROCC_HAVE_PNG
 TEST(LabRoundTrip, Photograph) {
