@@ -7,6 +7,7 @@
 
 #include <functional>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 #include "harness.h"
@@ -30,6 +31,25 @@ enum class Order {
 using Form = ref::Px3 (*)(int, int, int);
 using Call = std::function<KroStatus(const Kro8u* const* src, int srcStep, Kro8u* const* dst, int dstStep,
                                      kroiSize roi, Kro8u aval)>;
+
+// One adapter for every entry shape, told apart by what the entry accepts:
+// interleaved or planar on either side, with or without the fourth sample's value.
+template <class F>
+inline Call callOf(F f) {
+    using cp = const Kro8u*;
+    using cpp = const Kro8u* const*;
+    using pp = Kro8u* const*;
+    return [f](cpp s, int ss, pp d, int ds, kroiSize r, Kro8u a) -> KroStatus {
+        const Kro8u* s0 = s ? s[0] : nullptr;
+        Kro8u* d0 = d ? d[0] : nullptr;
+        if constexpr (std::is_invocable_v<F, cp, int, Kro8u*, int, kroiSize>) return f(s0, ss, d0, ds, r);
+        else if constexpr (std::is_invocable_v<F, cp, int, Kro8u*, int, kroiSize, Kro8u>) return f(s0, ss, d0, ds, r, a);
+        else if constexpr (std::is_invocable_v<F, cp, int, pp, int, kroiSize>) return f(s0, ss, d, ds, r);
+        else if constexpr (std::is_invocable_v<F, cpp, int, Kro8u*, int, kroiSize>) return f(s, ss, d0, ds, r);
+        else if constexpr (std::is_invocable_v<F, cpp, int, Kro8u*, int, kroiSize, Kro8u>) return f(s, ss, d0, ds, r, a);
+        else return f(s, ss, d, ds, r);
+    };
+}
 
 struct Conv8 {
     const char* name;

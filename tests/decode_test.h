@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <functional>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 #include "harness.h"
@@ -344,67 +345,32 @@ inline void checkStatuses(const DecOp& c) {
 }
 
 // ------------------------------------------------------------ call adapters
-using C2C3 = KroStatus (*)(const Kro8u*, int, Kro8u*, int, kroiSize);
-using C2C4 = KroStatus (*)(const Kro8u*, int, Kro8u*, int, kroiSize, Kro8u);
-using C2P3 = KroStatus (*)(const Kro8u*, int, Kro8u* const[3], int, kroiSize);
-using P3C3 = KroStatus (*)(const Kro8u* const[3], const int[3], Kro8u*, int, kroiSize);
-using P3C4 = KroStatus (*)(const Kro8u* const[3], const int[3], Kro8u*, int, kroiSize, Kro8u);
-using P3P3 = KroStatus (*)(const Kro8u* const[3], const int[3], Kro8u* const[3], int, kroiSize);
-using P2C3 = KroStatus (*)(const Kro8u*, int, const Kro8u*, int, Kro8u*, int, kroiSize);
-using P2C4 = KroStatus (*)(const Kro8u*, int, const Kro8u*, int, Kro8u*, int, kroiSize, Kro8u);
-using P3C3NoStep = KroStatus (*)(const Kro8u* const[3], Kro8u*, kroiSize);
-using P3NoStep = KroStatus (*)(const Kro8u* const[3], Kro8u* const[3], kroiSize);
-
-inline const Kro8u* first(const Kro8u* const* a) { return a ? a[0] : nullptr; }
-inline Kro8u* first(Kro8u* const* a) { return a ? a[0] : nullptr; }
-
-inline Call call(C2C3 f) {
-    return [f](const Kro8u* const* s, const int* ss, Kro8u* const* d, int ds, kroiSize r, Kro8u) {
-        return f(first(s), ss[0], first(d), ds, r);
+// One adapter for every entry shape, told apart by what the entry accepts:
+// interleaved, three planes (steps as an array), Y and pairs, no steps; with
+// or without the fourth sample's value.
+template <class F>
+inline Call call(F f) {
+    using cp = const Kro8u*;
+    using cpp = const Kro8u* const*;
+    using pp = Kro8u* const*;
+    using A = Kro8u;
+    using R = kroiSize;
+    return [f](cpp s, const int* ss, pp d, int ds, R r, A a) -> KroStatus {
+        const Kro8u* s0 = s ? s[0] : nullptr;
+        Kro8u* d0 = d ? d[0] : nullptr;
+        if constexpr (std::is_invocable_v<F, cp, int, Kro8u*, int, R>) return f(s0, ss[0], d0, ds, r);
+        else if constexpr (std::is_invocable_v<F, cp, int, Kro8u*, int, R, A>) return f(s0, ss[0], d0, ds, r, a);
+        else if constexpr (std::is_invocable_v<F, cp, int, pp, int, R>) return f(s0, ss[0], d, ds, r);
+        else if constexpr (std::is_invocable_v<F, cpp, const int*, Kro8u*, int, R>) return f(s, ss, d0, ds, r);
+        else if constexpr (std::is_invocable_v<F, cpp, const int*, Kro8u*, int, R, A>) return f(s, ss, d0, ds, r, a);
+        else if constexpr (std::is_invocable_v<F, cpp, const int*, pp, int, R>) return f(s, ss, d, ds, r);
+        else if constexpr (std::is_invocable_v<F, cp, int, cp, int, Kro8u*, int, R>)
+            return f(s[0], ss[0], s[1], ss[1], d0, ds, r);
+        else if constexpr (std::is_invocable_v<F, cp, int, cp, int, Kro8u*, int, R, A>)
+            return f(s[0], ss[0], s[1], ss[1], d0, ds, r, a);
+        else if constexpr (std::is_invocable_v<F, cpp, Kro8u*, R>) return f(s, d0, r);
+        else return f(s, d, r);
     };
-}
-inline Call call(C2C4 f) {
-    return [f](const Kro8u* const* s, const int* ss, Kro8u* const* d, int ds, kroiSize r, Kro8u a) {
-        return f(first(s), ss[0], first(d), ds, r, a);
-    };
-}
-inline Call call(C2P3 f) {
-    return [f](const Kro8u* const* s, const int* ss, Kro8u* const* d, int ds, kroiSize r, Kro8u) {
-        return f(first(s), ss[0], d, ds, r);
-    };
-}
-inline Call call(P3C3 f) {
-    return [f](const Kro8u* const* s, const int* ss, Kro8u* const* d, int ds, kroiSize r, Kro8u) {
-        return f(s, ss, first(d), ds, r);
-    };
-}
-inline Call call(P3C4 f) {
-    return [f](const Kro8u* const* s, const int* ss, Kro8u* const* d, int ds, kroiSize r, Kro8u a) {
-        return f(s, ss, first(d), ds, r, a);
-    };
-}
-inline Call call(P3P3 f) {
-    return [f](const Kro8u* const* s, const int* ss, Kro8u* const* d, int ds, kroiSize r, Kro8u) {
-        return f(s, ss, d, ds, r);
-    };
-}
-inline Call call(P2C3 f) {
-    return [f](const Kro8u* const* s, const int* ss, Kro8u* const* d, int ds, kroiSize r, Kro8u) {
-        return f(s[0], ss[0], s[1], ss[1], first(d), ds, r);
-    };
-}
-inline Call call(P2C4 f) {
-    return [f](const Kro8u* const* s, const int* ss, Kro8u* const* d, int ds, kroiSize r, Kro8u a) {
-        return f(s[0], ss[0], s[1], ss[1], first(d), ds, r, a);
-    };
-}
-inline Call call(P3C3NoStep f) {
-    return [f](const Kro8u* const* s, const int*, Kro8u* const* d, int, kroiSize r, Kro8u) {
-        return f(s, first(d), r);
-    };
-}
-inline Call call(P3NoStep f) {
-    return [f](const Kro8u* const* s, const int*, Kro8u* const* d, int, kroiSize r, Kro8u) { return f(s, d, r); };
 }
 
 }  // namespace kt::dec

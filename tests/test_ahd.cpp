@@ -149,6 +149,14 @@ KroStatus ahd(const T* s, kroiRect roi, kroiSize size, int sStep, T* d, int dSte
         return kroiDemosaicAHD_16u_C1C3R(s, roi, size, sStep, d, dStep, g, buf, bStep);
 }
 
+// With a work buffer of 30 rows of 16 samples (the 8-bit calls take its first half).
+Kro16u gWork[30 * 16];
+KroStatus ahdAny(int e, const void* s, kroiRect roi, kroiSize size, int sStep, void* d, int dStep, int grid) {
+    return e == 1 ? ahd(static_cast<const Kro8u*>(s), roi, size, sStep, static_cast<Kro8u*>(d), dStep, grid,
+                        reinterpret_cast<Kro8u*>(gWork), 16)
+                  : ahd(static_cast<const Kro16u*>(s), roi, size, sStep, static_cast<Kro16u*>(d), dStep, grid, gWork, 32);
+}
+
 // A work buffer of exactly 30 rows of the smallest length, `pad` canary bytes
 // between rows, guarded at one end.
 template <class T>
@@ -323,15 +331,8 @@ TEST(DemosaicAHD, WorkedExample) {
 }
 
 TEST(DemosaicAHD, EmptyRegionWritesNothing) {
-    Src<Kro8u> src(8, 8, 0, 0, Guard::After);
-    Kro8u d[64];
-    std::memset(d, 77, sizeof d);
-    for (kroiRect r : {kroiRect{0, 0, 0, 8}, kroiRect{0, 0, 8, 0}, kroiRect{2, 2, -1, 3}, kroiRect{8, 0, 4, 4},
-                       kroiRect{0, 9, 4, 4}, kroiRect{-3, 0, 0, 4}})
-        for (Kro8u* buf : {static_cast<Kro8u*>(nullptr), d}) {
-            EXPECT_EQ(ahd<Kro8u>(src.ptr(), r, {8, 8}, src.plane.step, d, 16, 0, buf, 16), kroStatusOk);
-            for (Kro8u v : d) ASSERT_EQ(v, 77);
-        }
+    emptyRegionsWriteNothing(ahdAny, {8, 8},
+                             {{0, 0, 0, 8}, {0, 0, 8, 0}, {2, 2, -1, 3}, {8, 0, 4, 4}, {0, 9, 4, 4}, {-3, 0, 0, 4}});
 }
 
 // Mirroring the samples and then computing past the edge gives every plane
@@ -369,57 +370,29 @@ TEST(DemosaicAHD, NullWorkBuffer) {
     for (Kro8u v : d) ASSERT_EQ(v, 5);
 }
 
-// Null, whole-image size, grid; nothing written on failure.
+// Null, whole-image size, grid; nothing written on failure (the work buffer neither).
 TEST(DemosaicAHD, StatusesAndCheckOrder) {
-    Kro16u s[64] = {}, buf[30 * 16];
-    Kro16u d[256];
-    for (Kro16u& v : d) v = 33;
-    for (Kro16u& v : buf) v = 44;
-    struct Row {
-        bool sNull, dNull;
-        kroiSize size;
-        int grid;
-        kroiRect roi;
-        KroStatus want;
-    } rows[] = {
-        {true, false, {8, 8}, 0, {0, 0, 8, 8}, kroStatusNullPointer},
-        {false, true, {8, 8}, 0, {0, 0, 8, 8}, kroStatusNullPointer},
-        {true, true, {1, 1}, 7, {0, 0, 0, 0}, kroStatusNullPointer},
-        {false, false, {4, 8}, 0, {0, 0, 8, 8}, kroStatusBadSize},
-        {false, false, {8, 4}, 0, {0, 0, 8, 8}, kroStatusBadSize},
-        {false, false, {4, 4}, 4, {0, 0, 8, 8}, kroStatusBadSize},
-        {false, false, {-5, 8}, 0, {0, 0, 0, 0}, kroStatusBadSize},
-        {false, false, {8, 8}, 4, {0, 0, 8, 8}, kroStatusBadArgument},
-        {false, false, {8, 8}, -1, {0, 0, 0, 0}, kroStatusBadArgument},
-        {false, false, {8, 8}, 2, {0, 0, 0, 3}, kroStatusOk},
-        {false, false, {5, 5}, 3, {0, 0, 5, 5}, kroStatusOk},
-    };
-    for (const Row& w : rows) {
-        EXPECT_EQ(ahd<Kro16u>(w.sNull ? nullptr : s, w.roi, w.size, 16, w.dNull ? nullptr : d, 48, w.grid, buf, 32), w.want);
-        EXPECT_EQ(ahd<Kro8u>(w.sNull ? nullptr : reinterpret_cast<Kro8u*>(s), w.roi, w.size, 8,
-                             w.dNull ? nullptr : reinterpret_cast<Kro8u*>(d), 24, w.grid, reinterpret_cast<Kro8u*>(buf), 16),
-                  w.want);
-        if (w.want != kroStatusOk) {
-            for (Kro16u v : d) ASSERT_EQ(v, 33);
-            for (Kro16u v : buf) ASSERT_EQ(v, 44);
-        }
-    }
+    const kroiRect r{0, 0, 8, 8}, none{0, 0, 0, 0};
+    const KroStatus N = kroStatusNullPointer, S = kroStatusBadSize, A = kroStatusBadArgument;
+    std::fill(std::begin(gWork), std::end(gWork), Kro16u(44));
+    statusTable(ahdAny, 3,
+                {{true, false, {8, 8}, 0, r, N}, {false, true, {8, 8}, 0, r, N}, {true, true, {1, 1}, 7, none, N},
+                 {false, false, {4, 8}, 0, r, S}, {false, false, {8, 4}, 0, r, S}, {false, false, {4, 4}, 4, r, S},
+                 {false, false, {-5, 8}, 0, none, S}, {false, false, {8, 8}, 4, r, A}, {false, false, {8, 8}, -1, none, A},
+                 {false, false, {8, 8}, 2, {0, 0, 0, 3}, kroStatusOk}, {false, false, {5, 5}, 3, {0, 0, 5, 5}, kroStatusOk}},
+                [] { for (Kro16u v : gWork) ASSERT_EQ(v, 44); });
 }
 
 // A photograph mosaicked and reconstructed.
 TEST(DemosaicAHD, Photograph) {
-    const Photo p = loadPhoto();
-    if (p.w == 0) GTEST_SKIP() << "no libpng or no test image";
-    std::vector<uint8_t> buf(30 * size_t(p.w + 8));
-    for (int grid = 0; grid < 4; ++grid) {
-        const std::vector<uint8_t> mos = mosaicOf(p, grid);
-        std::vector<uint8_t> out(static_cast<size_t>(p.w) * p.h * 3);
-        ASSERT_EQ(ahd<Kro8u>(mos.data(), {0, 0, p.w, p.h}, {p.w, p.h}, p.w, out.data(), p.w * 3, grid, buf.data(), p.w + 8),
-                  kroStatusOk);
-        const double db = psnr(p, out.data(), 3, {0, 1, 2}, 2);
-        EXPECT_GT(db, 38.0) << "grid " << grid;
-        RecordProperty("psnr_grid" + std::to_string(grid), std::to_string(db));
-    }
+    std::vector<uint8_t> buf;
+    photographAbove(
+        [&buf](int, const void* s, kroiRect roi, kroiSize size, int sStep, void* d, int dStep, int grid) {
+            buf.resize(30 * size_t(size.width + 8));
+            return ahd(static_cast<const Kro8u*>(s), roi, size, sStep, static_cast<Kro8u*>(d), dStep, grid, buf.data(),
+                       size.width + 8);
+        },
+        3, {0, 1, 2}, 38.0);
 }
 
 }  // namespace

@@ -18,6 +18,11 @@ KroStatus cfa(const T* s, kroiRect roi, kroiSize size, int sStep, T* d, int dSte
         return kroiCFAToRGB_16u_C1C3R(s, roi, size, sStep, d, dStep, static_cast<KroiBayerGrid>(grid), -1);
 }
 
+KroStatus cfaAny(int e, const void* s, kroiRect roi, kroiSize size, int sStep, void* d, int dStep, int grid) {
+    return e == 1 ? cfa(static_cast<const Kro8u*>(s), roi, size, sStep, static_cast<Kro8u*>(d), dStep, grid)
+                  : cfa(static_cast<const Kro16u*>(s), roi, size, sStep, static_cast<Kro16u*>(d), dStep, grid);
+}
+
 // Runs one region of one mosaic into a guarded destination of dw x dh pixels
 // and compares the whole mapping (pixels, canaries, the unwritten rest).
 template <class T>
@@ -132,61 +137,22 @@ TEST(CFAToRGB, EqualGradientsTakeFourWayAverage) {
 }
 
 TEST(CFAToRGB, EmptyRegionWritesNothing) {
-    const Kro8u s[16] = {};
-    Kro8u d[8];
-    std::memset(d, 77, sizeof d);
-    for (kroiRect r : {kroiRect{0, 0, 0, 2}, kroiRect{0, 0, 2, 0}, kroiRect{0, 0, -3, 2}, kroiRect{4, 0, 2, 2},
-                       kroiRect{0, 4, 2, 2}}) {
-        EXPECT_EQ(kroiCFAToRGB_8u_C1C3R(s, r, {4, 4}, 4, d, 6, kroiBayerBGGR, 0), kroStatusOk);
-        for (Kro8u v : d) ASSERT_EQ(v, 77);
-    }
+    emptyRegionsWriteNothing(cfaAny, {4, 4}, {{0, 0, 0, 2}, {0, 0, 2, 0}, {0, 0, -3, 2}, {4, 0, 2, 2}, {0, 4, 2, 2}});
 }
 
 // Null, then whole-image size (width before height), then the grid; nothing written.
 TEST(CFAToRGB, StatusesAndCheckOrder) {
-    Kro8u s[16] = {};
-    Kro8u d[48];
-    std::memset(d, 33, sizeof d);
     const kroiRect r{0, 0, 4, 4};
-    struct Row {
-        const Kro8u* s;
-        Kro8u* d;
-        kroiSize size;
-        int grid;
-        KroStatus want;
-    } rows[] = {
-        {nullptr, d, {4, 4}, 0, kroStatusNullPointer},  {s, nullptr, {4, 4}, 0, kroStatusNullPointer},
-        {nullptr, d, {1, 1}, 9, kroStatusNullPointer},  {s, d, {1, 4}, 0, kroStatusBadSize},
-        {s, d, {4, 1}, 0, kroStatusBadSize},            {s, d, {1, 4}, 4, kroStatusBadSize},
-        {s, d, {0, 0}, -1, kroStatusBadSize},           {s, d, {4, 4}, 4, kroStatusBadArgument},
-        {s, d, {4, 4}, -1, kroStatusBadArgument},       {s, d, {2, 2}, 3, kroStatusOk},
-    };
-    for (const Row& w : rows) {
-        EXPECT_EQ(kroiCFAToRGB_8u_C1C3R(w.s, r, w.size, 4, w.d, 12, static_cast<KroiBayerGrid>(w.grid), 0), w.want);
-        Kro16u d16[48];
-        EXPECT_EQ(kroiCFAToRGB_16u_C1C3R(reinterpret_cast<const Kro16u*>(w.s), r, w.size, 8,
-                                         w.d ? d16 : nullptr, 24, static_cast<KroiBayerGrid>(w.grid), 0),
-                  w.want);
-        if (w.want != kroStatusOk)
-            for (Kro8u v : d) ASSERT_EQ(v, 33);
-    }
+    const KroStatus N = kroStatusNullPointer, S = kroStatusBadSize, A = kroStatusBadArgument;
+    statusTable(cfaAny, 3,
+                {{true, false, {4, 4}, 0, r, N}, {false, true, {4, 4}, 0, r, N}, {true, true, {1, 1}, 9, r, N},
+                 {false, false, {1, 4}, 0, r, S}, {false, false, {4, 1}, 0, r, S}, {false, false, {1, 4}, 4, r, S},
+                 {false, false, {0, 0}, -1, r, S}, {false, false, {4, 4}, 4, r, A}, {false, false, {4, 4}, -1, r, A},
+                 {false, false, {2, 2}, 3, r, kroStatusOk}});
 }
 
 // A photograph mosaicked and reconstructed: at least 33.5 dB away from the border.
-TEST(CFAToRGB, Photograph) {
-    const Photo p = loadPhoto();
-    if (p.w == 0) GTEST_SKIP() << "no libpng or no test image";
-    for (int grid = 0; grid < 4; ++grid) {
-        const std::vector<uint8_t> mos = mosaicOf(p, grid);
-        std::vector<uint8_t> out(static_cast<size_t>(p.w) * p.h * 3);
-        ASSERT_EQ(kroiCFAToRGB_8u_C1C3R(mos.data(), {0, 0, p.w, p.h}, {p.w, p.h}, p.w, out.data(), p.w * 3,
-                                        static_cast<KroiBayerGrid>(grid), 0),
-                  kroStatusOk);
-        const double db = psnr(p, out.data(), 3, {0, 1, 2}, 2);
-        EXPECT_GT(db, 33.5) << "grid " << grid;
-        RecordProperty("psnr_grid" + std::to_string(grid), std::to_string(db));
-    }
-}
+TEST(CFAToRGB, Photograph) { photographAbove(cfaAny, 3, {0, 1, 2}, 33.5); }
 
 // A region starting left of or above the image is cut there too; the pixel of
 // (x, y) stays at (y - srcRoi.y) rows and (x - srcRoi.x) pixels from pDst.

@@ -154,37 +154,24 @@ const std::vector<TCase>& grayCases() {
     static const std::vector<TCase> cases = [] {
         std::vector<TCase> v;
         const float(&fixedW)[3] = kWeightSets[0].w;
-        // fixed weights
-        v.push_back(toGrayCase<Kro8u>("kroiRGBToGray_8u_C3C1R", 3, fixedW, fixedCall<Kro8u>(kroiRGBToGray_8u_C3C1R)));
-        v.push_back(toGrayCase<Kro8u>("kroiRGBToGray_8u_AC4C1R", 4, fixedW, fixedCall<Kro8u>(kroiRGBToGray_8u_AC4C1R)));
-        v.push_back(toGrayCase<Kro16u>("kroiRGBToGray_16u_C3C1R", 3, fixedW, fixedCall<Kro16u>(kroiRGBToGray_16u_C3C1R)));
-        v.push_back(toGrayCase<Kro16u>("kroiRGBToGray_16u_AC4C1R", 4, fixedW, fixedCall<Kro16u>(kroiRGBToGray_16u_AC4C1R)));
-        v.push_back(toGrayCase<Kro16s>("kroiRGBToGray_16s_C3C1R", 3, fixedW, fixedCall<Kro16s>(kroiRGBToGray_16s_C3C1R)));
-        v.push_back(toGrayCase<Kro16s>("kroiRGBToGray_16s_AC4C1R", 4, fixedW, fixedCall<Kro16s>(kroiRGBToGray_16s_AC4C1R)));
-        v.push_back(toGrayCase<Kro32f>("kroiRGBToGray_32f_C3C1R", 3, fixedW, fixedCall<Kro32f>(kroiRGBToGray_32f_C3C1R)));
-        v.push_back(toGrayCase<Kro32f>("kroiRGBToGray_32f_AC4C1R", 4, fixedW, fixedCall<Kro32f>(kroiRGBToGray_32f_AC4C1R)));
-        // caller's weights, and a null pCoeffs (the fixed weights)
-        for (int i = -1; i < int(std::size(kWeightSets)); ++i) {
-            const float(&w)[3] = i < 0 ? fixedW : kWeightSets[i].w;
-            const Kro32f* pc = i < 0 ? nullptr : kWeightSets[i].w;
-            const std::string lbl = i < 0 ? "Null" : kWeightSets[i].label;
-            v.push_back(toGrayCase<Kro8u>("kroiColorToGray_8u_C3C1R_" + lbl, 3, w,
-                                          weightedCall<Kro8u>(kroiColorToGray_8u_C3C1R, pc)));
-            v.push_back(toGrayCase<Kro8u>("kroiColorToGray_8u_AC4C1R_" + lbl, 4, w,
-                                          weightedCall<Kro8u>(kroiColorToGray_8u_AC4C1R, pc)));
-            v.push_back(toGrayCase<Kro16u>("kroiColorToGray_16u_C3C1R_" + lbl, 3, w,
-                                           weightedCall<Kro16u>(kroiColorToGray_16u_C3C1R, pc)));
-            v.push_back(toGrayCase<Kro16u>("kroiColorToGray_16u_AC4C1R_" + lbl, 4, w,
-                                           weightedCall<Kro16u>(kroiColorToGray_16u_AC4C1R, pc)));
-            v.push_back(toGrayCase<Kro16s>("kroiColorToGray_16s_C3C1R_" + lbl, 3, w,
-                                           weightedCall<Kro16s>(kroiColorToGray_16s_C3C1R, pc)));
-            v.push_back(toGrayCase<Kro16s>("kroiColorToGray_16s_AC4C1R_" + lbl, 4, w,
-                                           weightedCall<Kro16s>(kroiColorToGray_16s_AC4C1R, pc)));
-            v.push_back(toGrayCase<Kro32f>("kroiColorToGray_32f_C3C1R_" + lbl, 3, w,
-                                           weightedCall<Kro32f>(kroiColorToGray_32f_C3C1R, pc)));
-            v.push_back(toGrayCase<Kro32f>("kroiColorToGray_32f_AC4C1R_" + lbl, 4, w,
-                                           weightedCall<Kro32f>(kroiColorToGray_32f_AC4C1R, pc)));
-        }
+        // fixed weights; the caller's weights, and a null pCoeffs (the fixed weights)
+#define GRAY_OPS(T, tag)                                                                                            \
+    for (int cn : {3, 4}) {                                                                                         \
+        const std::string lay = cn == 3 ? "_C3C1R" : "_AC4C1R";                                                     \
+        v.push_back(toGrayCase<T>("kroiRGBToGray_" #tag + lay, cn, fixedW,                                          \
+                                  fixedCall<T>(cn == 3 ? kroiRGBToGray_##tag##_C3C1R : kroiRGBToGray_##tag##_AC4C1R))); \
+        for (int i = -1; i < int(std::size(kWeightSets)); ++i)                                                      \
+            v.push_back(toGrayCase<T>(                                                                              \
+                "kroiColorToGray_" #tag + lay + "_" + (i < 0 ? "Null" : kWeightSets[i].label), cn,                  \
+                i < 0 ? fixedW : kWeightSets[i].w,                                                                  \
+                weightedCall<T>(cn == 3 ? kroiColorToGray_##tag##_C3C1R : kroiColorToGray_##tag##_AC4C1R,           \
+                                i < 0 ? nullptr : kWeightSets[i].w)));                                              \
+    }
+        GRAY_OPS(Kro8u, 8u)
+        GRAY_OPS(Kro16u, 16u)
+        GRAY_OPS(Kro16s, 16s)
+        GRAY_OPS(Kro32f, 32f)
+#undef GRAY_OPS
         for (const auto& ws : kWeights64) {
             const Kro64f* pc = std::string(ws.label) == "Null" ? nullptr : ws.w;
             for (int cn : {3, 4}) {

@@ -207,17 +207,12 @@ TEST(Reduce, FarFloatSamplesSaturate) {
 // ------------------------------------------------------------ noise generator
 TEST(ReduceNoise, FirstWordsAndIndexTableFromSeedZero) {
     ref::NoiseGen g = ref::intGen(0, 1024, 0);
-    EXPECT_EQ(static_cast<uint32_t>(g.word()), 0x803EAAF0u);
-    EXPECT_EQ(static_cast<uint32_t>(g.word()), 0xA1521F56u);
-    EXPECT_EQ(static_cast<uint32_t>(g.word()), 0xB63261B9u);
-    EXPECT_EQ(static_cast<uint32_t>(g.word()), 0xE7368B1Eu);
+    for (uint32_t w : {0x803EAAF0u, 0xA1521F56u, 0xB63261B9u, 0xE7368B1Eu}) EXPECT_EQ(static_cast<uint32_t>(g.word()), w);
 
     alignas(64) static uint8_t block[kro::reduce::kNoiseBlockSize];
     const kro::reduce::NoiseTables t = kro::reduce::buildNoiseTables(block, -0.5f, 0.5f);
-    EXPECT_EQ(t.index[0], 1);
-    EXPECT_EQ(t.index[1], 133);
-    EXPECT_EQ(t.index[2], 217);
-    EXPECT_EQ(t.index[3], 413);
+    const int first[4] = {1, 133, 217, 413};
+    for (int i = 0; i < 4; ++i) EXPECT_EQ(t.index[i], first[i]) << i;
     for (int i = 0; i < 1024; ++i) EXPECT_LE(t.index[i], 1024);
 }
 
@@ -276,21 +271,14 @@ TEST(ReduceNoise, StatusesOfTheGenerator) {
 // ------------------------------------------------------------ size query
 TEST(ReduceBufferSize, StatedValues) {
     int n = -1;
-    for (int noise : {0, 50, 100}) {
-        EXPECT_EQ(kroiReduceBitsGetBufferSize(1, {100, 1}, noise, kroiDitherNone, &n), kroStatusOk);
-        EXPECT_EQ(n, 0);
+    // (channel code, width, height, noise, selector, size); the height is not read
+    const int stated[][6] = {{1, 100, 1, 0, 0, 0},      {1, 100, 1, 50, 0, 0},   {1, 100, 1, 100, 0, 0},
+                             {1, 100, 1, 0, 4, 0},      {3, 100, 1, 1, 4, 6336}, {1, 100, 1, 0, 1, 880},
+                             {9, 100, 1, 100, 3, 7584}, {4, 100, -5, 0, 2, 12 * 100 + 48 + 64}};
+    for (const auto& e : stated) {
+        EXPECT_EQ(kroiReduceBitsGetBufferSize(e[0], {e[1], e[2]}, e[3], static_cast<KroDitherType>(e[4]), &n), kroStatusOk);
+        EXPECT_EQ(n, e[5]) << "channels " << e[0] << " noise " << e[3] << " selector " << e[4];
     }
-    EXPECT_EQ(kroiReduceBitsGetBufferSize(1, {100, 1}, 0, kroiDitherBayer, &n), kroStatusOk);
-    EXPECT_EQ(n, 0);
-    EXPECT_EQ(kroiReduceBitsGetBufferSize(3, {100, 1}, 1, kroiDitherBayer, &n), kroStatusOk);
-    EXPECT_EQ(n, 6336);
-    EXPECT_EQ(kroiReduceBitsGetBufferSize(1, {100, 1}, 0, kroiDitherFloydSteinberg, &n), kroStatusOk);
-    EXPECT_EQ(n, 880);
-    EXPECT_EQ(kroiReduceBitsGetBufferSize(9, {100, 1}, 100, kroiDitherStucki, &n), kroStatusOk);
-    EXPECT_EQ(n, 7584);
-    // the height is not read
-    EXPECT_EQ(kroiReduceBitsGetBufferSize(4, {100, -5}, 0, kroiDitherJarvisJudiceNinke, &n), kroStatusOk);
-    EXPECT_EQ(n, 12 * 100 + 48 + 64);
     for (int w : {1, 2, 3, 17, 1000, 4096})
         for (int sel = 0; sel <= 4; ++sel)
             for (int noise : {0, 1, 99, 100}) {
@@ -395,14 +383,8 @@ TEST(ReduceExamples, PlainLevels) {
     ASSERT_EQ(kroiReduceBits_8u_C1R(all.data(), 256, out.data(), 256, {256, 1}, 0, kroiDitherNone, 256, nullptr), 0);
     EXPECT_EQ(out, all);
     ASSERT_EQ(kroiReduceBits_8u_C1R(all.data(), 256, out.data(), 256, {256, 1}, 0, kroiDitherNone, 4, nullptr), 0);
-    EXPECT_EQ(out[0], 0);
-    EXPECT_EQ(out[42], 0);
-    EXPECT_EQ(out[43], 85);
-    EXPECT_EQ(out[127], 85);
-    EXPECT_EQ(out[128], 170);
-    EXPECT_EQ(out[212], 170);
-    EXPECT_EQ(out[213], 255);
-    EXPECT_EQ(out[255], 255);
+    for (auto [in, want] : {std::pair{0, 0}, {42, 0}, {43, 85}, {127, 85}, {128, 170}, {212, 170}, {213, 255}, {255, 255}})
+        EXPECT_EQ(out[in], want) << in;
     ASSERT_EQ(kroiReduceBits_8u_C1R(all.data(), 256, out.data(), 256, {256, 1}, 0, kroiDitherNone, 2, nullptr), 0);
     EXPECT_EQ(out[127], 0);
     EXPECT_EQ(out[128], 255);

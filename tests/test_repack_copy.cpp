@@ -106,15 +106,11 @@ TEST(PlaneCopy, Checks) {
 // Bypassing stores: when the size overflows 32 bits, or rows of 64 bytes or
 // more, more than 131072 bytes, and more than half the largest cache.
 TEST(PlaneCopy, BypassThresholds) {
-    EXPECT_TRUE(planeCopyBypasses(0x80000000LL, 1, 0));
-    EXPECT_FALSE(planeCopyBypasses(0x7FFFFFFFLL, 1, 0));
-    EXPECT_FALSE(planeCopyBypasses(131072, 131072, 1024));
-    EXPECT_TRUE(planeCopyBypasses(131073, 131073, 1024));
-    EXPECT_FALSE(planeCopyBypasses(200000, 63, 1024));
-    EXPECT_TRUE(planeCopyBypasses(200000, 64, 1024));
-    EXPECT_FALSE(planeCopyBypasses(200000, 1000, 0));
-    EXPECT_FALSE(planeCopyBypasses(200000, 1000, 400000));
-    EXPECT_TRUE(planeCopyBypasses(200001, 1000, 400000));
+    // (size, row bytes, largest cache, bypass)
+    const long long cases[][4] = {{0x80000000LL, 1, 0, 1}, {0x7FFFFFFFLL, 1, 0, 0},     {131072, 131072, 1024, 0},
+                                  {131073, 131073, 1024, 1}, {200000, 63, 1024, 0},     {200000, 64, 1024, 1},
+                                  {200000, 1000, 0, 0},      {200000, 1000, 400000, 0}, {200001, 1000, 400000, 1}};
+    for (const auto& c : cases) EXPECT_EQ(planeCopyBypasses(c[0], c[1], c[2]), c[3] != 0) << c[0] << " " << c[1] << " " << c[2];
 }
 
 // Descriptor registers: the first byte of the first register counts the calls

@@ -12,6 +12,7 @@
 #include <cstring>
 #include <functional>
 #include <limits>
+#include <type_traits>
 
 #include "convt_test.h"
 #include "harness.h"
@@ -48,44 +49,31 @@ void refPixel(const float (&m)[3][4], const uint8_t* const* s, uint8_t* const* d
 
 using M34 = const Kro32f (*)[4];
 
-template <class T>
-Op opC(const char* name, Lay lay, KroStatus (*f)(const T*, int, T*, int, kroiSize, const Kro32f[3][4])) {
-    return {name, int(sizeof(T)), lay, false, std::is_same_v<T, Kro32f>,
+// One adapter for the four entry shapes: interleaved or planes, in place or not.
+template <class T, class F>
+Op opOf(const char* name, Lay lay, F f) {
+    using P = T* const*;
+    using CP = const T* const*;
+    constexpr bool inPlace = std::is_invocable_v<F, T*, int, kroiSize, M34> || std::is_invocable_v<F, P, int, kroiSize, M34>;
+    return {name, int(sizeof(T)), lay, inPlace, std::is_same_v<T, Kro32f>,
             [f](void* const* s, int ss, void* const* d, int ds, kroiSize r, const float* t) {
-                return f(static_cast<const T*>(s[0]), ss, static_cast<T*>(d[0]), ds, r, reinterpret_cast<M34>(t));
-            },
-            refPixel<T>};
-}
-template <class T>
-Op opCI(const char* name, Lay lay, KroStatus (*f)(T*, int, kroiSize, const Kro32f[3][4])) {
-    return {name, int(sizeof(T)), lay, true, std::is_same_v<T, Kro32f>,
-            [f](void* const* s, int ss, void* const*, int, kroiSize r, const float* t) {
-                return f(static_cast<T*>(s[0]), ss, r, reinterpret_cast<M34>(t));
-            },
-            refPixel<T>};
-}
-template <class T>
-Op opP(const char* name, KroStatus (*f)(const T* const[3], int, T* const[3], int, kroiSize, const Kro32f[3][4])) {
-    return {name, int(sizeof(T)), Lay::P3, false, std::is_same_v<T, Kro32f>,
-            [f](void* const* s, int ss, void* const* d, int ds, kroiSize r, const float* t) {
-                return f(reinterpret_cast<const T* const*>(s), ss, reinterpret_cast<T* const*>(d), ds, r,
-                         reinterpret_cast<M34>(t));
-            },
-            refPixel<T>};
-}
-template <class T>
-Op opPI(const char* name, KroStatus (*f)(T* const[3], int, kroiSize, const Kro32f[3][4])) {
-    return {name, int(sizeof(T)), Lay::P3, true, std::is_same_v<T, Kro32f>,
-            [f](void* const* s, int ss, void* const*, int, kroiSize r, const float* t) {
-                return f(reinterpret_cast<T* const*>(s), ss, r, reinterpret_cast<M34>(t));
+                const M34 m = reinterpret_cast<M34>(t);
+                if constexpr (std::is_invocable_v<F, const T*, int, T*, int, kroiSize, M34>)
+                    return f(static_cast<const T*>(s[0]), ss, static_cast<T*>(d[0]), ds, r, m);
+                else if constexpr (std::is_invocable_v<F, T*, int, kroiSize, M34>)
+                    return f(static_cast<T*>(s[0]), ss, r, m);
+                else if constexpr (std::is_invocable_v<F, CP, int, P, int, kroiSize, M34>)
+                    return f(reinterpret_cast<CP>(s), ss, reinterpret_cast<P>(d), ds, r, m);
+                else
+                    return f(reinterpret_cast<P>(s), ss, r, m);
             },
             refPixel<T>};
 }
 
-#define TW_SET(NAME, T)                                                                             \
-    opC<T>(#NAME "_C3R", Lay::C3, NAME##_C3R), opC<T>(#NAME "_AC4R", Lay::AC4, NAME##_AC4R),        \
-        opCI<T>(#NAME "_C3IR", Lay::C3, NAME##_C3IR), opCI<T>(#NAME "_AC4IR", Lay::AC4, NAME##_AC4IR), \
-        opP<T>(#NAME "_P3R", NAME##_P3R), opPI<T>(#NAME "_IP3R", NAME##_IP3R)
+#define TW_SET(NAME, T)                                                                                      \
+    opOf<T>(#NAME "_C3R", Lay::C3, NAME##_C3R), opOf<T>(#NAME "_AC4R", Lay::AC4, NAME##_AC4R),               \
+        opOf<T>(#NAME "_C3IR", Lay::C3, NAME##_C3IR), opOf<T>(#NAME "_AC4IR", Lay::AC4, NAME##_AC4IR),       \
+        opOf<T>(#NAME "_P3R", Lay::P3, NAME##_P3R), opOf<T>(#NAME "_IP3R", Lay::P3, NAME##_IP3R)
 
 const std::vector<Op>& ops() {
     static const std::vector<Op> v = {TW_SET(kroiColorTwist32f_8u, Kro8u), TW_SET(kroiColorTwist32f_16u, Kro16u),

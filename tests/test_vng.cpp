@@ -23,6 +23,15 @@ KroStatus vng(const T* s, kroiRect roi, kroiSize size, int sStep, const float* s
                  : kroiCFAToBGRA_VNG_16u_C1C4R(s, roi, size, sStep, scale, d, dStep, g);
 }
 
+// The plain entry or its _L twin; gains for the 8-bit calls (unless `plain`), none for the 16-bit ones.
+template <bool L, bool plain = false>
+KroStatus vngAny(int e, const void* s, kroiRect roi, kroiSize size, int sStep, void* d, int dStep, int grid) {
+    static const float g[3] = {0.5f, 1.0f, 2.0f};
+    return e == 1 ? vng(static_cast<const Kro8u*>(s), roi, size, sStep, plain ? nullptr : g, static_cast<Kro8u*>(d), dStep,
+                        grid, L)
+                  : vng(static_cast<const Kro16u*>(s), roi, size, sStep, nullptr, static_cast<Kro16u*>(d), dStep, grid, L);
+}
+
 // The expected destination, written as the rules say: inner pixels of the
 // region (fourth sample kept), then the frame copies in their order.
 template <class T>
@@ -195,64 +204,24 @@ TEST(CFAToBGRA_VNG, RegionWhollyInFrame) {
 }
 
 TEST(CFAToBGRA_VNG, EmptyRegionWritesNothing) {
-    Src<Kro8u> src(8, 8, 0, 0, Guard::After);
-    Kro8u d[64];
-    std::memset(d, 77, sizeof d);
-    for (kroiRect r : {kroiRect{0, 0, 0, 8}, kroiRect{0, 0, 8, 0}, kroiRect{2, 2, -1, 3}, kroiRect{9, 0, 4, 4}})
-        for (const float* sc : {static_cast<const float*>(nullptr), kGains[1]}) {
-            EXPECT_EQ(vng<Kro8u>(src.ptr(), r, {8, 8}, src.plane.step, sc, d, 16, 0), kroStatusOk);
-            for (Kro8u v : d) ASSERT_EQ(v, 77);
-        }
+    for (auto call : {vngAny<false>, vngAny<true>})
+        emptyRegionsWriteNothing(call, {8, 8}, {{0, 0, 0, 8}, {0, 0, 8, 0}, {2, 2, -1, 3}, {9, 0, 4, 4}});
 }
 
 // Null source, then null destination, then width, then height (below 5), then grid.
 TEST(CFAToBGRA_VNG, StatusesAndCheckOrder) {
-    Kro16u s[64] = {};
-    Kro16u d[256];
-    for (int k = 0; k < 256; ++k) d[k] = 33;
-    struct Row {
-        bool sNull, dNull;
-        kroiSize size;
-        int grid;
-        kroiRect roi;
-        KroStatus want;
-    } rows[] = {
-        {true, false, {8, 8}, 0, {0, 0, 8, 8}, kroStatusNullPointer},
-        {false, true, {8, 8}, 0, {0, 0, 8, 8}, kroStatusNullPointer},
-        {true, true, {1, 1}, 7, {0, 0, 0, 0}, kroStatusNullPointer},
-        {false, false, {4, 8}, 0, {0, 0, 8, 8}, kroStatusBadSize},
-        {false, false, {8, 4}, 0, {0, 0, 8, 8}, kroStatusBadSize},
-        {false, false, {4, 4}, 4, {0, 0, 8, 8}, kroStatusBadSize},
-        {false, false, {4, 8}, 0, {0, 0, 0, 0}, kroStatusBadSize},
-        {false, false, {8, 8}, 4, {0, 0, 8, 8}, kroStatusBadArgument},
-        {false, false, {8, 8}, -2, {0, 0, 0, 0}, kroStatusBadArgument},
-        {false, false, {8, 8}, 2, {0, 0, 0, 3}, kroStatusOk},
-        {false, false, {5, 5}, 2, {0, 0, 5, 5}, kroStatusOk},
-    };
-    for (const Row& w : rows)
-        for (bool L : {false, true}) {
-            EXPECT_EQ(vng<Kro16u>(w.sNull ? nullptr : s, w.roi, w.size, 16, nullptr, w.dNull ? nullptr : d, 64, w.grid, L), w.want);
-            EXPECT_EQ(vng<Kro8u>(w.sNull ? nullptr : reinterpret_cast<Kro8u*>(s), w.roi, w.size, 8, kGains[1],
-                                 w.dNull ? nullptr : reinterpret_cast<Kro8u*>(d), 32, w.grid, L),
-                      w.want);
-            if (w.want != kroStatusOk)
-                for (Kro16u v : d) ASSERT_EQ(v, 33);
-        }
+    const kroiRect r{0, 0, 8, 8}, none{0, 0, 0, 0};
+    const KroStatus N = kroStatusNullPointer, S = kroStatusBadSize, A = kroStatusBadArgument;
+    for (auto call : {vngAny<false>, vngAny<true>})
+        statusTable(call, 4,
+                    {{true, false, {8, 8}, 0, r, N}, {false, true, {8, 8}, 0, r, N}, {true, true, {1, 1}, 7, none, N},
+                     {false, false, {4, 8}, 0, r, S}, {false, false, {8, 4}, 0, r, S}, {false, false, {4, 4}, 4, r, S},
+                     {false, false, {4, 8}, 0, none, S}, {false, false, {8, 8}, 4, r, A},
+                     {false, false, {8, 8}, -2, none, A}, {false, false, {8, 8}, 2, {0, 0, 0, 3}, kroStatusOk},
+                     {false, false, {5, 5}, 2, {0, 0, 5, 5}, kroStatusOk}});
 }
 
 // A photograph mosaicked and reconstructed: at least 34 dB inside the frame.
-TEST(CFAToBGRA_VNG, Photograph) {
-    const Photo p = loadPhoto();
-    if (p.w == 0) GTEST_SKIP() << "no libpng or no test image";
-    for (int grid = 0; grid < 4; ++grid) {
-        const std::vector<uint8_t> mos = mosaicOf(p, grid);
-        std::vector<uint8_t> out(static_cast<size_t>(p.w) * p.h * 4);
-        ASSERT_EQ(vng<Kro8u>(mos.data(), {0, 0, p.w, p.h}, {p.w, p.h}, p.w, nullptr, out.data(), p.w * 4, grid),
-                  kroStatusOk);
-        const double db = psnr(p, out.data(), 4, {2, 1, 0}, 2);
-        EXPECT_GT(db, 34.0) << "grid " << grid;
-        RecordProperty("psnr_grid" + std::to_string(grid), std::to_string(db));
-    }
-}
+TEST(CFAToBGRA_VNG, Photograph) { photographAbove(vngAny<false, true>, 4, {2, 1, 0}, 34.0); }
 
 }  // namespace

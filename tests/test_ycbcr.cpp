@@ -14,64 +14,38 @@ using namespace kt;
 
 namespace {
 
-using Src1 = const Kro8u*;
-using Dst1 = Kro8u*;
-using SrcN = const Kro8u* const*;
-using DstN = Kro8u* const*;
-
-// Adapters from the table's uniform call to each signature.
-Call one(KroStatus (*f)(Src1, int, Dst1, int, kroiSize)) {
-    return [f](SrcN s, int ss, DstN d, int ds, kroiSize r, Kro8u) {
-        return f(s ? s[0] : nullptr, ss, d ? d[0] : nullptr, ds, r);
-    };
-}
-Call toPlanes(KroStatus (*f)(Src1, int, Kro8u* const[3], int, kroiSize)) {
-    return [f](SrcN s, int ss, DstN d, int ds, kroiSize r, Kro8u) { return f(s ? s[0] : nullptr, ss, d, ds, r); };
-}
-Call planes(KroStatus (*f)(const Kro8u* const[3], int, Kro8u* const[3], int, kroiSize)) {
-    return [f](SrcN s, int ss, DstN d, int ds, kroiSize r, Kro8u) { return f(s, ss, d, ds, r); };
-}
-Call fromPlanes(KroStatus (*f)(const Kro8u* const[3], int, Dst1, int, kroiSize)) {
-    return [f](SrcN s, int ss, DstN d, int ds, kroiSize r, Kro8u) { return f(s, ss, d ? d[0] : nullptr, ds, r); };
-}
-Call fromPlanesAval(KroStatus (*f)(const Kro8u* const[3], int, Dst1, int, kroiSize, Kro8u)) {
-    return [f](SrcN s, int ss, DstN d, int ds, kroiSize r, Kro8u a) {
-        return f(s, ss, d ? d[0] : nullptr, ds, r, a);
-    };
-}
-
 // Operations whose every pixel takes one form list it as main and tail form,
 // with a main block of 4: the tail sweep then runs rows of 3 pixels.
 const std::vector<Conv8>& yccOps() {
     static const std::vector<Conv8> ops = {
         {"kroiRGBToYCbCr_8u_C3R", L::C3, L::C3, A4::None, false, false, 16, ref::yccFwd2, ref::yccFwd1,
-         Order::NullSize, one(kroiRGBToYCbCr_8u_C3R)},
+         Order::NullSize, callOf(kroiRGBToYCbCr_8u_C3R)},
         {"kroiRGBToYCbCr_8u_AC4R", L::AC4, L::AC4, A4::ZeroMain, false, false, 16, ref::yccFwd2, ref::yccFwd1,
-         Order::NullSize, one(kroiRGBToYCbCr_8u_AC4R)},
+         Order::NullSize, callOf(kroiRGBToYCbCr_8u_AC4R)},
         {"kroiRGBToYCbCr_8u_C3P3R", L::C3, L::P3, A4::None, false, false, 8, ref::yccFwd3, ref::yccFwd1,
-         Order::NullSize, toPlanes(kroiRGBToYCbCr_8u_C3P3R)},
+         Order::NullSize, callOf(kroiRGBToYCbCr_8u_C3P3R)},
         {"kroiRGBToYCbCr_8u_AC4P3R", L::AC4, L::P3, A4::None, false, false, 8, ref::yccFwd3, ref::yccFwd1,
-         Order::NullSize, toPlanes(kroiRGBToYCbCr_8u_AC4P3R)},
+         Order::NullSize, callOf(kroiRGBToYCbCr_8u_AC4P3R)},
         {"kroiRGBToYCbCr_8u_P3R", L::P3, L::P3, A4::None, false, false, 8, ref::yccFwd3, ref::yccFwd1,
-         Order::NullSizePlanes, planes(kroiRGBToYCbCr_8u_P3R)},
+         Order::NullSizePlanes, callOf(kroiRGBToYCbCr_8u_P3R)},
         {"kroiYCbCrToRGB_8u_C3R", L::C3, L::C3, A4::None, false, false, 8, ref::yccInv4, ref::yccInv2,
-         Order::NullSize, one(kroiYCbCrToRGB_8u_C3R)},
+         Order::NullSize, callOf(kroiYCbCrToRGB_8u_C3R)},
         {"kroiYCbCrToRGB_8u_AC4R", L::AC4, L::AC4, A4::Keep, false, false, 0, nullptr, ref::yccInv1,
-         Order::NullSize, one(kroiYCbCrToRGB_8u_AC4R)},
+         Order::NullSize, callOf(kroiYCbCrToRGB_8u_AC4R)},
         {"kroiYCbCrToRGB_8u_P3C3R", L::P3, L::C3, A4::None, false, false, 8, ref::yccInv4, ref::yccInv2,
-         Order::NullSize, fromPlanes(kroiYCbCrToRGB_8u_P3C3R)},
+         Order::NullSize, callOf(kroiYCbCrToRGB_8u_P3C3R)},
         {"kroiYCbCrToBGR_8u_P3C3R", L::P3, L::C3, A4::None, false, true, 8, ref::yccInv4, ref::yccInv2,
-         Order::NullSize, fromPlanes(kroiYCbCrToBGR_8u_P3C3R)},
+         Order::NullSize, callOf(kroiYCbCrToBGR_8u_P3C3R)},
         {"kroiYCbCrToRGB_8u_P3C4R", L::P3, L::AC4, A4::Aval, false, false, 8, ref::yccInv6, ref::yccInv2,
-         Order::NullSizePlanes, fromPlanesAval(kroiYCbCrToRGB_8u_P3C4R)},
+         Order::NullSizePlanes, callOf(kroiYCbCrToRGB_8u_P3C4R)},
         {"kroiYCbCrToBGR_8u_P3C4R", L::P3, L::AC4, A4::Aval, false, true, 4, ref::yccInv6, ref::yccInv6,
-         Order::NullSize, fromPlanesAval(kroiYCbCrToBGR_8u_P3C4R)},
+         Order::NullSize, callOf(kroiYCbCrToBGR_8u_P3C4R)},
         {"kroiYCbCrToRGB_8u_P3R", L::P3, L::P3, A4::None, false, false, 4, ref::yccInv5, ref::yccInv3,
-         Order::NullSizePlanes, planes(kroiYCbCrToRGB_8u_P3R)},
+         Order::NullSizePlanes, callOf(kroiYCbCrToRGB_8u_P3R)},
         {"kroiYCbCrToBGR_709CSC_8u_P3C3R", L::P3, L::C3, A4::None, false, true, 4, ref::yccInv7, ref::yccInv7,
-         Order::NullSize, fromPlanes(kroiYCbCrToBGR_709CSC_8u_P3C3R)},
+         Order::NullSize, callOf(kroiYCbCrToBGR_709CSC_8u_P3C3R)},
         {"kroiYCbCrToBGR_709CSC_8u_P3C4R", L::P3, L::AC4, A4::Aval, false, true, 4, ref::yccInv8, ref::yccInv8,
-         Order::NullSize, fromPlanesAval(kroiYCbCrToBGR_709CSC_8u_P3C4R)},
+         Order::NullSize, callOf(kroiYCbCrToBGR_709CSC_8u_P3C4R)},
     };
     return ops;
 }

@@ -9,22 +9,16 @@ using namespace kt;
 
 namespace {
 
-Call plain(KroStatus (*f)(const Kro8u*, int, Kro8u*, int, kroiSize)) {
-    return [f](const Kro8u* const* s, int ss, Kro8u* const* d, int ds, kroiSize r, Kro8u) {
-        return f(s ? s[0] : nullptr, ss, d ? d[0] : nullptr, ds, r);
-    };
-}
-
 const std::vector<Conv8>& photoPhotoYccOps() {
     static const std::vector<Conv8> ops = {
         {"kroiRGBToYCC_8u_C3R", L::C3, L::C3, A4::None, false, false, 8, ref::yccFwdMain, ref::yccFwdTail,
-         Order::NullSize, plain(kroiRGBToYCC_8u_C3R)},
+         Order::NullSize, callOf(kroiRGBToYCC_8u_C3R)},
         {"kroiRGBToYCC_8u_AC4R", L::AC4, L::AC4, A4::Keep, false, false, 4, ref::yccFwdMain, ref::yccFwdTail,
-         Order::NullSize, plain(kroiRGBToYCC_8u_AC4R)},
+         Order::NullSize, callOf(kroiRGBToYCC_8u_AC4R)},
         {"kroiYCCToRGB_8u_C3R", L::C3, L::C3, A4::None, false, false, 8, ref::yccInvMain, ref::yccInvTail,
-         Order::NullSize, plain(kroiYCCToRGB_8u_C3R)},
+         Order::NullSize, callOf(kroiYCCToRGB_8u_C3R)},
         {"kroiYCCToRGB_8u_AC4R", L::AC4, L::AC4, A4::Keep, false, false, 4, ref::yccInvMain, ref::yccInvTail,
-         Order::NullSize, plain(kroiYCCToRGB_8u_AC4R)},
+         Order::NullSize, callOf(kroiYCCToRGB_8u_AC4R)},
     };
     return ops;
 }

@@ -347,12 +347,13 @@ void sweepTriples(const Op& o) {
     }
 }
 
-TEST(YCoCgExhaustive, RGBToYCoCg_8u_C3P3R) { sweepTriples(byName("kroiRGBToYCoCg_8u_C3P3R")); }
-TEST(YCoCgExhaustive, YCoCgToRGB_8u_P3C3R) { sweepTriples(byName("kroiYCoCgToRGB_8u_P3C3R")); }
-TEST(YCoCgExhaustive, BGRToYCoCg_8u16s_C3P3R) { sweepTriples(byName("kroiBGRToYCoCg_8u16s_C3P3R")); }
-TEST(YCoCgExhaustive, BGRToYCoCg_8u16s_C4P3R) { sweepTriples(byName("kroiBGRToYCoCg_8u16s_C4P3R")); }
-TEST(YCoCgExhaustive, BGRToYCoCg_Rev_8u16s_C3P3R) { sweepTriples(byName("kroiBGRToYCoCg_Rev_8u16s_C3P3R")); }
-TEST(YCoCgExhaustive, BGRToYCoCg_Rev_8u16s_C4P3R) { sweepTriples(byName("kroiBGRToYCoCg_Rev_8u16s_C4P3R")); }
+class YCoCgExhaustive : public ::testing::TestWithParam<const char*> {};
+TEST_P(YCoCgExhaustive, EveryTriple) { sweepTriples(byName(GetParam())); }
+INSTANTIATE_TEST_SUITE_P(Forms8, YCoCgExhaustive,
+                         ::testing::Values("kroiRGBToYCoCg_8u_C3P3R", "kroiYCoCgToRGB_8u_P3C3R", "kroiBGRToYCoCg_8u16s_C3P3R",
+                                           "kroiBGRToYCoCg_8u16s_C4P3R", "kroiBGRToYCoCg_Rev_8u16s_C3P3R",
+                                           "kroiBGRToYCoCg_Rev_8u16s_C4P3R"),
+                         [](const auto& i) { return std::string(i.param).substr(4); });
 
 // ------------------------------------------------------------ round trips
 // A source image through a reversible forward operation and back through its

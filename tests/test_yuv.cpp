@@ -9,52 +9,28 @@ using namespace kt;
 
 namespace {
 
-Call c3(KroStatus (*f)(const Kro8u*, int, Kro8u*, int, kroiSize)) {
-    return [f](const Kro8u* const* s, int ss, Kro8u* const* d, int ds, kroiSize r, Kro8u) {
-        return f(s ? s[0] : nullptr, ss, d ? d[0] : nullptr, ds, r);
-    };
-}
-
 const std::vector<Conv8>& yuvOps() {
     static const std::vector<Conv8> ops = {
         {"kroiRGBToYUV_8u_C3R", L::C3, L::C3, A4::None, false, false, 16, ref::yuvFwd4, ref::yuvFwd2,
-         Order::NullSize, c3(kroiRGBToYUV_8u_C3R)},
+         Order::NullSize, callOf(kroiRGBToYUV_8u_C3R)},
         {"kroiRGBToYUV_8u_C3P3R", L::C3, L::P3, A4::None, false, false, 8, ref::yuvFwd4, ref::yuvFwd2,
-         Order::NullSizePlanes,
-         [](const Kro8u* const* s, int ss, Kro8u* const* d, int ds, kroiSize r, Kro8u) {
-             return kroiRGBToYUV_8u_C3P3R(s ? s[0] : nullptr, ss, d, ds, r);
-         }},
+         Order::NullSizePlanes, callOf(kroiRGBToYUV_8u_C3P3R)},
         {"kroiRGBToYUV_8u_P3R", L::P3, L::P3, A4::None, false, false, 16, ref::yuvFwd4, ref::yuvFwd3,
-         Order::NullSizePlanes,
-         [](const Kro8u* const* s, int ss, Kro8u* const* d, int ds, kroiSize r, Kro8u) {
-             return kroiRGBToYUV_8u_P3R(s, ss, d, ds, r);
-         }},
+         Order::NullSizePlanes, callOf(kroiRGBToYUV_8u_P3R)},
         {"kroiRGBToYUV_8u_AC4R", L::AC4, L::AC4, A4::Keep, false, false, 0, nullptr, ref::yuvFwd1, Order::NullSize,
-         c3(kroiRGBToYUV_8u_AC4R)},
+         callOf(kroiRGBToYUV_8u_AC4R)},
         {"kroiRGBToYUV_8u_AC4P4R", L::AC4, L::P4, A4::FromSrc, false, false, 8, ref::yuvFwd5, ref::yuvFwd1,
-         Order::NullSizePlanes,
-         [](const Kro8u* const* s, int ss, Kro8u* const* d, int ds, kroiSize r, Kro8u) {
-             return kroiRGBToYUV_8u_AC4P4R(s ? s[0] : nullptr, ss, d, ds, r);
-         }},
+         Order::NullSizePlanes, callOf(kroiRGBToYUV_8u_AC4P4R)},
         {"kroiYUVToRGB_8u_C3R", L::C3, L::C3, A4::None, false, false, 8, ref::yuvInv4, ref::yuvInv1,
-         Order::NullSize, c3(kroiYUVToRGB_8u_C3R)},
+         Order::NullSize, callOf(kroiYUVToRGB_8u_C3R)},
         {"kroiYUVToRGB_8u_AC4R", L::AC4, L::AC4, A4::Keep, false, false, 0, nullptr, ref::yuvInv1, Order::NullSize,
-         c3(kroiYUVToRGB_8u_AC4R)},
+         callOf(kroiYUVToRGB_8u_AC4R)},
         {"kroiYUVToRGB_8u_C3C4R", L::C3, L::AC4, A4::Aval, false, false, 8, ref::yuvInv6, ref::yuvInv2,
-         Order::NullSize,
-         [](const Kro8u* const* s, int ss, Kro8u* const* d, int ds, kroiSize r, Kro8u a) {
-             return kroiYUVToRGB_8u_C3C4R(s ? s[0] : nullptr, ss, d ? d[0] : nullptr, ds, r, a);
-         }},
+         Order::NullSize, callOf(kroiYUVToRGB_8u_C3C4R)},
         {"kroiYUVToRGB_8u_P3C3R", L::P3, L::C3, A4::None, false, false, 16, ref::yuvInv5, ref::yuvInv3,
-         Order::NullSizePlanes,
-         [](const Kro8u* const* s, int ss, Kro8u* const* d, int ds, kroiSize r, Kro8u) {
-             return kroiYUVToRGB_8u_P3C3R(s, ss, d ? d[0] : nullptr, ds, r);
-         }},
+         Order::NullSizePlanes, callOf(kroiYUVToRGB_8u_P3C3R)},
         {"kroiYUVToRGB_8u_P3R", L::P3, L::P3, A4::None, false, false, 0, nullptr, ref::yuvInv3,
-         Order::NullSizePlanes,
-         [](const Kro8u* const* s, int ss, Kro8u* const* d, int ds, kroiSize r, Kro8u) {
-             return kroiYUVToRGB_8u_P3R(s, ss, d, ds, r);
-         }},
+         Order::NullSizePlanes, callOf(kroiYUVToRGB_8u_P3R)},
     };
     return ops;
 }
