@@ -170,10 +170,11 @@ struct Inv : FloatToInt {
             for (int k = 1; k < 6; ++k) r = _mm_blendv_ps(r, c[k], sel[k]);
             return r;
         };
-        const VF gray = _mm_cmpeq_ps(S, _mm_setzero_ps());
-        const VF R = _mm_blendv_ps(pick(Vf, q, p, p, t, Vf), Vf, gray);
-        const VF G = _mm_blendv_ps(pick(t, Vf, Vf, q, p, p), Vf, gray);
-        const VF B = _mm_blendv_ps(pick(p, p, t, Vf, Vf, q), Vf, gray);
+        // S = 0 needs no case of its own: a and b are then exactly 0, so p, q
+        // and t all equal V, whatever the sector and the rounding mode
+        const VF R = pick(Vf, q, p, p, t, Vf);
+        const VF G = pick(t, Vf, Vf, q, p, p);
+        const VF B = pick(p, p, t, Vf, Vf, q);
         o[0] = roundEven(R), o[1] = roundEven(G), o[2] = roundEven(B);
     }
     void one(const float (&in)[3], int (&o)[3]) const {
