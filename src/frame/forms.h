@@ -109,4 +109,22 @@ struct Lanes32 {
     }
 };
 
+// Four pixels of three floats, [a0 b0 c0 a1] [b1 c1 a2 b2] [c2 a3 b3 c3], to the
+// three channels in pixel order and back: lane shuffles only, no byte shuffles.
+inline void split3(const VF (&in)[3], VF (&c)[3]) {
+    const VF bc = _mm_shuffle_ps(in[0], in[1], _MM_SHUFFLE(1, 0, 2, 1));  // b0 c0 b1 c1
+    const VF ab = _mm_shuffle_ps(in[1], in[2], _MM_SHUFFLE(2, 1, 3, 2));  // a2 b2 a3 b3
+    c[0] = _mm_shuffle_ps(in[0], ab, _MM_SHUFFLE(2, 0, 3, 0));            // a0 a1 a2 a3
+    c[1] = _mm_shuffle_ps(bc, ab, _MM_SHUFFLE(3, 1, 2, 0));               // b0 b1 b2 b3
+    c[2] = _mm_shuffle_ps(bc, in[2], _MM_SHUFFLE(3, 0, 3, 1));            // c0 c1 c2 c3
+}
+inline void join3(const VF (&c)[3], VF (&out)[3]) {
+    const VF ab = _mm_shuffle_ps(c[0], c[1], _MM_SHUFFLE(2, 0, 2, 0));  // a0 a2 b0 b2
+    const VF ca = _mm_shuffle_ps(c[2], c[0], _MM_SHUFFLE(3, 1, 2, 0));  // c0 c2 a1 a3
+    const VF bc = _mm_shuffle_ps(c[1], c[2], _MM_SHUFFLE(3, 1, 3, 1));  // b1 b3 c1 c3
+    out[0] = _mm_shuffle_ps(ab, ca, _MM_SHUFFLE(2, 0, 2, 0));           // a0 b0 c0 a1
+    out[1] = _mm_shuffle_ps(bc, ab, _MM_SHUFFLE(3, 1, 2, 0));           // b1 c1 a2 b2
+    out[2] = _mm_shuffle_ps(ca, bc, _MM_SHUFFLE(3, 1, 3, 1));           // c2 a3 b3 c3
+}
+
 }  // namespace kro

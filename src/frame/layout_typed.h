@@ -180,27 +180,6 @@ inline void storeSample(T* p, T v) {
     std::memcpy(p, &v, sizeof v);
 }
 
-// ------------------------------------------------------------ four pixels of three floats
-// In memory [a0 b0 c0 a1] [b1 c1 a2 b2] [c2 a3 b3 c3]: each channel sits at four
-// different positions of the three vectors, so two blends gather it and one
-// dword shuffle orders it; the reverse for storing. No byte shuffles.
-inline void split3(const VF (&in)[3], VF (&c)[3]) {
-    const VF a = _mm_blend_ps(_mm_blend_ps(in[0], in[1], 0x4), in[2], 0x2);  // a0 a3 a2 a1
-    const VF b = _mm_blend_ps(_mm_blend_ps(in[1], in[0], 0x2), in[2], 0x4);  // b1 b0 b3 b2
-    const VF d = _mm_blend_ps(_mm_blend_ps(in[2], in[1], 0x2), in[0], 0x4);  // c2 c1 c0 c3
-    c[0] = _mm_shuffle_ps(a, a, _MM_SHUFFLE(1, 2, 3, 0));
-    c[1] = _mm_shuffle_ps(b, b, _MM_SHUFFLE(2, 3, 0, 1));
-    c[2] = _mm_shuffle_ps(d, d, _MM_SHUFFLE(3, 0, 1, 2));
-}
-inline void join3(const VF (&c)[3], VF (&out)[3]) {
-    const VF a = _mm_shuffle_ps(c[0], c[0], _MM_SHUFFLE(1, 2, 3, 0));  // a0 a3 a2 a1
-    const VF b = _mm_shuffle_ps(c[1], c[1], _MM_SHUFFLE(2, 3, 0, 1));  // b1 b0 b3 b2
-    const VF d = _mm_shuffle_ps(c[2], c[2], _MM_SHUFFLE(3, 0, 1, 2));  // c2 c1 c0 c3
-    out[0] = _mm_blend_ps(_mm_blend_ps(a, b, 0x2), d, 0x4);  // a0 b0 c0 a1
-    out[1] = _mm_blend_ps(_mm_blend_ps(b, d, 0x2), a, 0x4);  // b1 c1 a2 b2
-    out[2] = _mm_blend_ps(_mm_blend_ps(d, a, 0x2), b, 0x4);  // c2 a3 b3 c3
-}
-
 // ------------------------------------------------------------ interleaved source
 // Cn = 1, 3 or 4 samples a pixel (4: the fourth is never taken into a channel).
 template <class T, int Cn>

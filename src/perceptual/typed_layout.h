@@ -170,19 +170,14 @@ inline T* rowAt(T* base, int step, int y) {
 }
 
 // ------------------------------------------------------------ four float pixels by lanes
-// Three samples a pixel: in = r0 g0 b0 r1 | g1 b1 r2 g2 | b2 r3 g3 b3. Two
-// lane shuffles pair G with B of pixels 0 and 1 and R with G of pixels 2 and
-// 3; three more take each channel out in pixel order.
-// Four samples a pixel: a 4 x 4 transpose.
+// Three samples a pixel: the frame's split3. Four samples a pixel: a 4 x 4 transpose.
 template <int Cn>
 inline void floatsToChannels(const V (&in)[Cn], V (&ch)[Cn]) {
     if constexpr (Cn == 3) {
-        const VF a = _mm_castsi128_ps(in[0]), b = _mm_castsi128_ps(in[1]), c = _mm_castsi128_ps(in[2]);
-        const VF gb = _mm_shuffle_ps(a, b, _MM_SHUFFLE(1, 0, 2, 1));  // g0 b0 g1 b1
-        const VF rg = _mm_shuffle_ps(b, c, _MM_SHUFFLE(2, 1, 3, 2));  // r2 g2 r3 g3
-        ch[0] = _mm_castps_si128(_mm_shuffle_ps(a, rg, _MM_SHUFFLE(2, 0, 3, 0)));   // r0 r1 r2 r3
-        ch[1] = _mm_castps_si128(_mm_shuffle_ps(gb, rg, _MM_SHUFFLE(3, 1, 2, 0)));  // g0 g1 g2 g3
-        ch[2] = _mm_castps_si128(_mm_shuffle_ps(gb, c, _MM_SHUFFLE(3, 0, 3, 1)));   // b0 b1 b2 b3
+        const VF f[3] = {_mm_castsi128_ps(in[0]), _mm_castsi128_ps(in[1]), _mm_castsi128_ps(in[2])};
+        VF c[3];
+        split3(f, c);
+        for (int k = 0; k < 3; ++k) ch[k] = _mm_castps_si128(c[k]);
     } else {
         const VF p0 = _mm_castsi128_ps(in[0]), p1 = _mm_castsi128_ps(in[1]);
         const VF p2 = _mm_castsi128_ps(in[2]), p3 = _mm_castsi128_ps(in[3]);
@@ -195,16 +190,12 @@ inline void floatsToChannels(const V (&in)[Cn], V (&ch)[Cn]) {
     }
 }
 
-// Three channels back to three samples a pixel: six lane shuffles, the
-// reverse of floatsToChannels.
+// Three channels back to three samples a pixel: the frame's join3.
 inline void channelsToFloats(const V (&ch)[4], V (&out)[3]) {
-    const VF r = _mm_castsi128_ps(ch[0]), g = _mm_castsi128_ps(ch[1]), b = _mm_castsi128_ps(ch[2]);
-    const VF rg = _mm_shuffle_ps(r, g, _MM_SHUFFLE(2, 0, 2, 0));  // r0 r2 g0 g2
-    const VF br = _mm_shuffle_ps(b, r, _MM_SHUFFLE(3, 1, 2, 0));  // b0 b2 r1 r3
-    const VF gb = _mm_shuffle_ps(g, b, _MM_SHUFFLE(3, 1, 3, 1));  // g1 g3 b1 b3
-    out[0] = _mm_castps_si128(_mm_shuffle_ps(rg, br, _MM_SHUFFLE(2, 0, 2, 0)));  // r0 g0 b0 r1
-    out[1] = _mm_castps_si128(_mm_shuffle_ps(gb, rg, _MM_SHUFFLE(3, 1, 2, 0)));  // g1 b1 r2 g2
-    out[2] = _mm_castps_si128(_mm_shuffle_ps(br, gb, _MM_SHUFFLE(3, 1, 3, 1)));  // b2 r3 g3 b3
+    const VF c[3] = {_mm_castsi128_ps(ch[0]), _mm_castsi128_ps(ch[1]), _mm_castsi128_ps(ch[2])};
+    VF f[3];
+    join3(c, f);
+    for (int v = 0; v < 3; ++v) out[v] = _mm_castps_si128(f[v]);
 }
 
 // Pixel registers c0 c1 c2 c3; WithFourth false: lane 3 is a copy of c2, never stored.
